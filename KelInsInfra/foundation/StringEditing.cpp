@@ -1,0 +1,120 @@
+#include <KelInsInfra/foundation/KelInsString.h>
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <sstream>
+
+namespace KelInsString {
+namespace {
+
+template <typename Delimiter>
+std::size_t LengthOf(const Delimiter& delimiter)
+{
+    if constexpr (std::is_same_v<Delimiter, char>)
+        return 1;
+    else
+        return delimiter.size();
+}
+
+template <typename Delimiter>
+std::vector<std::string> SplitAt(const std::string& text, const Delimiter& delimiter, bool keepEmpty)
+{
+    std::vector<std::string> pieces;
+    if (text.empty())
+        return pieces;
+    std::size_t begin = 0;
+    for (;;) {
+        const std::size_t end = std::min(text.find(delimiter, begin), text.size());
+        if (keepEmpty || end != begin)
+            pieces.push_back(text.substr(begin, end - begin));
+        if (end == text.size())
+            return pieces;
+        begin = end + LengthOf(delimiter);
+    }
+}
+
+} // namespace
+
+std::int32_t RemoveAll(std::string& text, char c)
+{
+    return static_cast<std::int32_t>(std::erase(text, c));
+}
+
+std::int32_t ReplaceAll(std::string& text, const std::string& from, const std::string& to, std::uint64_t start)
+{
+    if (from.empty())
+        return 0; // found everywhere, without end
+    std::size_t found = text.find(from, start);
+    if (found == std::string::npos)
+        return 0;
+    std::int32_t count = 0;
+    std::string result; // built aside: replacing in place would move the rest of the text at every occurrence
+    std::size_t copied = 0;
+    for (; found != std::string::npos; found = text.find(from, copied)) {
+        result.append(text, copied, found - copied).append(to);
+        copied = found + from.size();
+        ++count;
+    }
+    result.append(text, copied);
+    text = std::move(result);
+    return count;
+}
+
+std::int32_t ReplaceAll(std::string& text, char from, char to, std::uint64_t start)
+{
+    std::int32_t count = 0;
+    for (std::size_t i = start; i < text.size(); ++i) {
+        if (text[i] == from) {
+            text[i] = to;
+            ++count;
+        }
+    }
+    return count;
+}
+
+std::vector<std::string> Split(const std::string& text, const std::string& delimiter, bool keepEmpty)
+{
+    if (!delimiter.empty())
+        return SplitAt(text, delimiter, keepEmpty);
+    if (text.empty())
+        return {};
+    return {text};
+}
+
+std::vector<std::string> Split(const std::string& text, char delimiter, bool keepEmpty)
+{
+    return SplitAt(text, delimiter, keepEmpty);
+}
+
+std::string ToFixedPrecision(double value, std::int32_t decimals)
+{
+    std::ostringstream stream;
+    stream.setf(std::ios_base::fixed, std::ios_base::floatfield);
+    stream.precision(decimals);
+    stream << value;
+    return std::move(stream).str();
+}
+
+std::int32_t ToInt(const std::string& text, std::int32_t defaultValue)
+{
+    using Limits = std::numeric_limits<std::int32_t>;
+    const int errnoBefore = errno;
+    errno = 0;
+    char* end = nullptr;
+    const long value = std::strtol(text.c_str(), &end, 10);
+    const int error = errno;
+    errno = errnoBefore;
+    const bool converted = end != text.c_str() && error != ERANGE;
+    return converted && value >= Limits::min() && value <= Limits::max() ? static_cast<std::int32_t>(value)
+                                                                         : defaultValue;
+}
+
+std::uint64_t ToSize_t(const std::string& text, std::uint64_t defaultValue)
+{
+    std::size_t value = 0;
+    return std::sscanf(text.c_str(), "%zu", &value) == 1 ? value : defaultValue;
+}
+
+} // namespace KelInsString

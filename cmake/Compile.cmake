@@ -1,0 +1,25 @@
+# What every target of ours is compiled with, and where the runtime DLLs of the compiler are.
+
+add_library(kelins_warnings INTERFACE)
+target_compile_options(kelins_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast
+    -Wcast-qual -Wformat=2 -Wimplicit-fallthrough -Wmissing-declarations)
+
+# Copies the compiler's runtime DLLs beside the programs of a target.
+function(kelins_copy_runtime target)
+    if(NOT MINGW)
+        return()
+    endif()
+    set(dlls "")
+    foreach(name IN ITEMS libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+        execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+            OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+        if(NOT IS_ABSOLUTE "${path}")
+            message(FATAL_ERROR "The compiler does not tell where ${name} is")
+        endif()
+        list(APPEND dlls ${path})
+    endforeach()
+    add_custom_command(TARGET ${target} POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -E copy_if_different ${dlls} $<TARGET_FILE_DIR:${target}>
+        VERBATIM)
+endfunction()

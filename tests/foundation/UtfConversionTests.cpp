@@ -1,0 +1,91 @@
+#include <KelInsInfra/foundation/KelInsString.h>
+#include <climits>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+using KelInsString::Narrow;
+using KelInsString::Widen;
+
+TEST(Narrow, NullAndEmptyAreEmpty)
+{
+    EXPECT_EQ(Narrow(static_cast<const wchar_t*>(nullptr)), "");
+    EXPECT_EQ(Narrow(L""), "");
+    EXPECT_EQ(Narrow(std::wstring()), "");
+}
+
+TEST(Widen, NullAndEmptyAreEmpty)
+{
+    EXPECT_EQ(Widen(static_cast<const char*>(nullptr)), L"");
+    EXPECT_EQ(Widen(""), L"");
+    EXPECT_EQ(Widen(std::string()), L"");
+}
+
+TEST(Narrow, StopsAtTheFirstNul)
+{
+    EXPECT_EQ(Narrow(std::wstring(L"ab\0cd", 5)), "ab");
+    EXPECT_EQ(Narrow(L"ab\0cd"), "ab");
+    EXPECT_EQ(Narrow(std::wstring(L"\0cd", 3)), "");
+}
+
+TEST(Widen, StopsAtTheFirstNul)
+{
+    EXPECT_EQ(Widen(std::string("ab\0cd", 5)), L"ab");
+    EXPECT_EQ(Widen("ab\0cd"), L"ab");
+    EXPECT_EQ(Widen(std::string("\0cd", 3)), L"");
+}
+
+struct Pair
+{
+    const char* label;
+    const char* narrow;
+    const wchar_t* wide;
+
+    friend void PrintTo(const Pair& c, std::ostream* out) { *out << c.label; }
+};
+
+constexpr Pair kPairs[] = {
+    {"Ascii", "abc", L"abc"},
+    {"TwoBytes", "\xC3\xA9", L"\u00E9"},
+    {"ThreeBytes", "\xE2\x82\xAC", L"\u20AC"},
+    {"FourBytes", "\xF0\x9F\x8D\x8E", L"\U0001F34E"},
+    {"LastBmp", "\xEF\xBF\xBF", L"\uFFFF"},
+    {"LastCodePoint", "\xF4\x8F\xBF\xBF", L"\U0010FFFF"},
+    {"ByteOrderMark", "\xEF\xBB\xBFx", L"\uFEFFx"},
+};
+
+class Utf : public testing::TestWithParam<Pair>
+{};
+
+TEST_P(Utf, RoundTrips)
+{
+    EXPECT_EQ(Widen(GetParam().narrow), GetParam().wide);
+    EXPECT_EQ(Narrow(GetParam().wide), GetParam().narrow);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, Utf, testing::ValuesIn(kPairs),
+                         [](const auto& test) { return std::string(test.param.label); });
+
+/// Lengths around the limit up to which texts are converted on the stack.
+TEST(Utf, EveryLengthRoundTrips)
+{
+    for (std::size_t length = 1; length <= 1100; ++length) {
+        std::wstring wide;
+        for (std::size_t i = 0; wide.size() < length; ++i)
+            wide += i % 3 == 0 ? L"a" : i % 3 == 1 ? L"\u20AC" : L"\U0001F34E";
+        const std::string narrow = Narrow(wide);
+        ASSERT_EQ(Widen(narrow), wide) << length;
+        const std::wstring worst(length, L'\u20AC'); // three bytes for each unit
+        ASSERT_EQ(Narrow(worst).size(), 3 * length);
+        ASSERT_EQ(Widen(Narrow(worst)), worst);
+    }
+}
+
+TEST(Utf, LargeTextRoundTrips)
+{
+    const std::string text(3'000'000, 'x');
+    EXPECT_EQ(Narrow(Widen(text)), text);
+}
+
+} // namespace
