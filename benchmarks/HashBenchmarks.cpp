@@ -58,7 +58,7 @@ void StraightforwardLoop(Words& chaining, const unsigned char* blocks, std::uint
 class MemoryBuffer : public std::streambuf
 {
 public:
-    explicit MemoryBuffer(std::string& bytes) { setg(bytes.data(), bytes.data(), bytes.data() + bytes.size()); }
+    MemoryBuffer(char* data, std::size_t length) { setg(data, data, data + length); }
 };
 
 std::string& Bytes()
@@ -115,8 +115,7 @@ void AddStream()
     constexpr std::uint64_t kLength = std::uint64_t{16} << 20;
     const std::string work = "SHA-256, stream of 16 MiB";
     Add(work + "/KelInsInfra", kLength, [] {
-        static std::string bytes = Bytes().substr(0, kLength);
-        MemoryBuffer buffer(bytes);
+        MemoryBuffer buffer(Bytes().data(), kLength);
         std::istream stream(&buffer);
         SHA256 hash;
         hash.Add(stream);

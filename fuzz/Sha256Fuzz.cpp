@@ -37,8 +37,8 @@ std::string DigestInPieces(const unsigned char (&pieces)[kPieceBytes], const std
     for (std::size_t i = 0; position < data.size(); ++i) {
         const unsigned char piece = pieces[i % kPieceBytes];
         std::size_t length = piece >= 128 ? std::size_t{64} * (piece - 128U) : piece;
-        if (i >= 64) // lest zero lengths go on for ever
-            length += 1;
+        if (i == 64) // the rest at once, lest short lengths go on for ever
+            length = data.size();
         length = std::min(length, data.size() - position);
         if (i % 2 == 0) {
             hash.Add(data.data() + position, length);
