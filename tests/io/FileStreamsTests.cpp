@@ -1,3 +1,4 @@
+#include "tests/support/FileContent.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/TempDirectory.h"
@@ -30,21 +31,6 @@ const std::wstring kStandardLibrary = L"libstdc++-6.dll";
 std::filesystem::path Native(const std::string& path)
 {
     return std::filesystem::path(std::u8string(path.begin(), path.end()));
-}
-
-void WriteFileContent(const std::string& path, const std::string& content)
-{
-    std::ofstream stream(Native(path), kBinary);
-    stream << content;
-    ASSERT_TRUE(stream.good());
-}
-
-std::string ReadFileContent(const std::string& path)
-{
-    std::ifstream stream(Native(path), kBinary);
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return stream.is_open() ? text.str() : "(no file)";
 }
 
 // --- open modes: the standard library's own file buffer, which opens without share mode, tells what is right
