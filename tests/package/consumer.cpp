@@ -1,9 +1,9 @@
 // Uses something of each installed header, and prints one line that the check compares.
 
+#include <KelInsInfra/config/KelInsJavaProperties.h>
 #include <KelInsInfra/foundation/KelInsEnv.h>
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/foundation/KelInsSys.h>
-#include <KelInsInfra/config/KelInsJavaProperties.h>
 #include <KelInsInfra/io/Path.h>
 #include <iostream>
 
