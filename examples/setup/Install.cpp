@@ -1,0 +1,173 @@
+#include "Install.h"
+
+#include "Configuration.h"
+#include "Console.h"
+#include "InstallList.h"
+#include "Payload.h"
+#include "Staging.h"
+#include "Undo.h"
+#include <KelInsInfra/foundation/KelInsString.h>
+#include <KelInsInfra/io/FindFile.h>
+#include <KelInsInfra/io/KelInsIO.h>
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <stdexcept>
+
+namespace Setup {
+namespace {
+
+using KelInsIO::Path;
+
+std::string Megabytes(std::uint64_t bytes)
+{
+    return KelInsString::ToFixedPrecision(static_cast<double>(bytes) / 1e6, 1) + " MB";
+}
+
+/// Whether a path is that directory or stands somewhere below it, in whatever spelling and through links, too.
+bool IsInside(const std::string& path, const std::string& directory)
+{
+    namespace fs = std::filesystem;
+    const fs::path outer = KelInsString::Widen(directory + Path::Sep);
+    if (!fs::exists(outer))
+        return false;
+    for (fs::path inner = KelInsString::Widen(path + Path::Sep);; inner = inner.parent_path()) {
+        if (fs::exists(inner) && fs::equivalent(inner, outer))
+            return true;
+        if (!inner.has_relative_path())
+            return false;
+    }
+}
+
+void CheckTarget(const std::string& payload, const std::string& target)
+{
+    if (IsInside(payload, target))
+        throw std::runtime_error("The payload " + payload + " stands inside the target " + target +
+                                 ".\nChoose another target.");
+    if (IsInside(target, payload))
+        throw std::runtime_error("The target " + target + " stands inside the payload " + payload +
+                                 ".\nChoose another target.");
+    if (!KelInsIO::Exists(target))
+        return;
+    if (!KelInsIO::IsDirectory(target))
+        throw std::runtime_error("The target " + target + " is a file.\nChoose another target.");
+    if (KelInsIO::Exists(target + Path::Sep + InstallList::kFileName))
+        throw std::runtime_error("Something is already installed in " + target + ".\nUninstall it first: setup uninstall \"" +
+                                 target + "\"");
+    if (!KelInsIO::FindFile::IsDirectoryEmpty(target))
+        throw std::runtime_error("The target " + target + " is not empty.\nChoose a new or empty folder.");
+}
+
+void CheckRequiredFiles(const Payload& payload)
+{
+    for (const std::string& required : RequiredFiles()) {
+        const auto isRequired = [&](const Payload::File& file) { return file.path == required; };
+        if (std::none_of(payload.files.begin(), payload.files.end(), isRequired))
+            throw std::runtime_error("The payload " + payload.root + " has no file " + required +
+                                     ".\nName the folder that holds it.");
+    }
+}
+
+void CheckSpace(const Payload& payload, const std::string& target)
+{
+    const std::string drive = Path(target).GetRoot();
+    if (!KelInsIO::Exists(drive + Path::Sep))
+        throw std::runtime_error("There is no drive or share " + drive + ".\nChoose another target.");
+    const std::uint64_t needed = SpaceNeeded(payload);
+    const std::uint64_t available = KelInsIO::GetFreeSpaceOnDisk(target);
+    if (needed > available)
+        throw std::runtime_error("Not enough space on " + drive + ": " + Megabytes(needed) + " are needed, " +
+                                 Megabytes(available) + " are free.\nMake room there, or choose another drive.");
+}
+
+/// The target and the directories above it that do not exist yet, topmost first.
+std::vector<std::string> MissingDirectories(const std::string& target)
+{
+    std::vector<std::string> missing;
+    for (Path path(target); !path.IsEmpty() && !KelInsIO::Exists(path.GetPath()); path = path.GetParent())
+        missing.insert(missing.begin(), path.GetPath());
+    return missing;
+}
+
+/// The configured files come first: what is wrong with them shows before thousands of files are copied.
+std::vector<std::string> FilesInOrder(const Payload& payload)
+{
+    std::vector<std::string> paths;
+    for (const Payload::File& file : payload.files)
+        paths.push_back(file.path);
+    std::stable_partition(paths.begin(), paths.end(), IsConfigured);
+    return paths;
+}
+
+void MakeDirectories(const Payload& payload, const std::string& target, Undo& undo, InstallListWriter& list)
+{
+    for (const std::string& path : payload.directories) {
+        undo.WillMake(target + Path::Sep + path);
+        KelInsIO::CreateDir(target + Path::Sep + path);
+        list.AddDirectory(path);
+    }
+}
+
+void MakeFiles(const Payload& payload, const std::string& target, Undo& undo, InstallListWriter& list)
+{
+    Progress progress("Copying", payload.files.size());
+    for (const std::string& path : FilesInOrder(payload)) {
+        const std::string destination = target + Path::Sep + path;
+        undo.WillMake(destination);
+        StageFile(payload.root + Path::Sep + path, destination);
+        if (IsConfigured(path)) {
+            undo.WillMake(destination + "_TmpIniW"); // what a failing edit may leave beside the file
+            undo.WillMake(destination + "_TmpRIL");
+            Configure(target, path);
+        }
+        list.AddFile(path, DigestOfFile(destination));
+        progress.Step();
+    }
+}
+
+void Make(const Payload& payload, const std::string& target, Undo& undo)
+{
+    const std::vector<std::string> missing = MissingDirectories(target);
+    for (const std::string& path : missing)
+        undo.WillMake(path);
+    KelInsIO::CreateDir(target);
+
+    undo.WillMake(target + Path::Sep + InstallList::kFileName);
+    InstallListWriter list(target);
+    if (!missing.empty())
+        list.AddDirectory(".");
+    MakeDirectories(payload, target, undo, list);
+    MakeFiles(payload, target, undo, list);
+}
+
+[[noreturn]] void TakeBackAndFail(const std::string& reason, Undo& undo)
+{
+    std::string text = reason.ends_with('\n') ? reason : reason + '\n'; // the library's texts end in a line feed
+    const std::vector<std::string> left = undo.TakeBack();
+    text += left.empty() ? "Nothing was installed: what had been copied is removed again."
+                         : "The installation was taken back, but this is left and can be deleted by hand:";
+    for (const std::string& each : left)
+        text += "\n  " + each;
+    throw std::runtime_error(text);
+}
+
+} // namespace
+
+void Install(const std::string& payloadRoot, const std::string& target)
+{
+    const Payload payload = SurveyPayload(payloadRoot);
+    CheckTarget(payloadRoot, target);
+    CheckRequiredFiles(payload);
+    CheckSpace(payload, target);
+
+    std::cout << "Installing " << payload.files.size() << " files in " << target << std::endl;
+    Undo undo;
+    try {
+        Make(payload, target, undo);
+    } catch (const std::exception& error) {
+        TakeBackAndFail(error.what(), undo);
+    }
+    std::cout << "Installed. To remove it again: setup uninstall \"" << target << "\"" << std::endl;
+}
+
+} // namespace Setup
