@@ -26,15 +26,16 @@ void ExpectFolders(const std::vector<std::string>& arguments, std::size_t count,
 
 } // namespace
 
-const char* const kHelp = "Installs a folder of files, and removes what it installed.\n"
-                          "\n"
-                          "  setup install <payload> <target>   copies the folder <payload> to <target>, which must be\n"
-                          "                                     new or empty, and configures it for its new place\n"
-                          "  setup uninstall <target>           removes what was installed there; files that were\n"
-                          "                                     added or changed since then stay\n"
-                          "  setup --help                       shows this text\n"
-                          "\n"
-                          "Exit codes: 0 done, 1 failed, 2 the command line was not understood.\n";
+const char* const kHelp =
+    "Installs a folder of files, and removes what it installed.\n"
+    "\n"
+    "  setup install <payload> <target>   copies the folder <payload> to <target>, which must be\n"
+    "                                     new or empty, and configures it for its new place\n"
+    "  setup uninstall <target>           removes what was installed there; files that were\n"
+    "                                     added or changed since then stay\n"
+    "  setup --help                       shows this text\n"
+    "\n"
+    "Exit codes: 0 done, 1 failed, 2 the command line was not understood.\n";
 
 CommandLine ParseCommandLine(const std::vector<std::string>& arguments)
 {

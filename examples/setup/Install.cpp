@@ -52,8 +52,8 @@ void CheckTarget(const std::string& payload, const std::string& target)
     if (!KelInsIO::IsDirectory(target))
         throw std::runtime_error("The target " + target + " is a file.\nChoose another target.");
     if (KelInsIO::Exists(target + Path::Sep + InstallList::kFileName))
-        throw std::runtime_error("Something is already installed in " + target + ".\nUninstall it first: setup uninstall \"" +
-                                 target + "\"");
+        throw std::runtime_error("Something is already installed in " + target +
+                                 ".\nUninstall it first: setup uninstall \"" + target + "\"");
     if (!KelInsIO::FindFile::IsDirectoryEmpty(target))
         throw std::runtime_error("The target " + target + " is not empty.\nChoose a new or empty folder.");
 }

@@ -4,8 +4,8 @@
 
 namespace Setup {
 
-/// Removes what was installed in a directory, and the directories that get empty by it. Files that were added or changed
-/// since the installation stay; files that are gone already do not matter.
+/// Removes what was installed in a directory, and the directories that get empty by it. Files that were added or
+/// changed since the installation stay; files that are gone already do not matter.
 ///
 /// @param target  absolute path.
 /// @throws std::runtime_error  with a text for the user, when nothing is installed there, when the list of installed

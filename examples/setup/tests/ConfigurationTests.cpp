@@ -38,10 +38,10 @@ protected:
 
 TEST_F(Configuration, Settings)
 {
-    EXPECT_EQ(Configured("settings.ini", "; ours\n[Paths]\n; searched\nSearch=C:\\a\nDocuments=C:\\b\n\n[Other]\nSearch=1\n"),
-              "; ours\r\n[Paths]\r\n; searched\r\nSearch=C:\\a;" + target + "\\bin\r\nDocuments=" + target +
-                  "\\docs;C:\\b\r\n\r\n[Other]\r\nSearch=1\r\n[Installation]\r\nDirectory=" + target +
-                  "\r\nVersion=1.0\r\n");
+    EXPECT_EQ(
+        Configured("settings.ini", "; ours\n[Paths]\n; searched\nSearch=C:\\a\nDocuments=C:\\b\n\n[Other]\nSearch=1\n"),
+        "; ours\r\n[Paths]\r\n; searched\r\nSearch=C:\\a;" + target + "\\bin\r\nDocuments=" + target +
+            "\\docs;C:\\b\r\n\r\n[Other]\r\nSearch=1\r\n[Installation]\r\nDirectory=" + target + "\r\nVersion=1.0\r\n");
 }
 
 TEST_F(Configuration, Environment)
@@ -66,13 +66,13 @@ TEST_F(Configuration, MalformedEnvironmentStaysAsItIs)
 
 TEST_F(Configuration, Properties)
 {
-    EXPECT_EQ(Configured("app.properties", "# ours\ninstall.dir=\n"),
-              "# ours\r\ninstall.dir=" + [&] {
-                  std::string escaped;
-                  for (const char c : target)
-                      escaped += std::string(c == '\\' || c == ':' ? "\\" : "") + c;
-                  return escaped;
-              }() + "\r\ninstall\\ note=Written by setup\\: do not edit\\!\r\n");
+    EXPECT_EQ(
+        Configured("app.properties", "# ours\ninstall.dir=\n"), "# ours\r\ninstall.dir=" + [&] {
+            std::string escaped;
+            for (const char c : target)
+                escaped += std::string(c == '\\' || c == ':' ? "\\" : "") + c;
+            return escaped;
+        }() + "\r\ninstall\\ note=Written by setup\\: do not edit\\!\r\n");
 }
 
 TEST_F(Configuration, Templates)

@@ -61,9 +61,11 @@ TEST(InstallListTest, RefusesAPathWithAZeroByte)
 
 TEST(InstallListTest, KnowsFilesAndDirectories)
 {
-    const InstallList list = Read("# directory .\n# directory docs\n" + kDigest + "  docs/gr\xC3\xBC\xC3\x9F"
+    const InstallList list = Read("# directory .\n# directory docs\n" + kDigest +
+                                  "  docs/gr\xC3\xBC\xC3\x9F"
                                   "e.txt\r\n" + // somebody saved it with another editor
-                                  std::string(64, '0') + "  with two  blanks ..\n");
+                                  std::string(64, '0') +
+                                  "  with two  blanks ..\n");
     EXPECT_EQ(list.GetFileCount(), 2U);
     EXPECT_TRUE(list.HasDirectory("."));
     EXPECT_TRUE(list.HasDirectory("docs"));
@@ -113,7 +115,8 @@ TEST(InstallListTest, DigestOfFileIsThatOfItsBytes)
     const TempDirectory directory;
     KelInsIO::GetOutputFileStream(directory / "abc", {}) << "abc";
     KelInsIO::GetOutputFileStream(directory / "empty", {});
-    EXPECT_EQ(Setup::DigestOfFile(directory / "abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    EXPECT_EQ(Setup::DigestOfFile(directory / "abc"),
+              "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
     EXPECT_EQ(Setup::DigestOfFile(directory / "empty"),
               "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
     EXPECT_THAT([&] { Setup::DigestOfFile(directory / "missing"); },
