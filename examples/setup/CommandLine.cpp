@@ -14,8 +14,11 @@ std::string MakeAbsolute(const std::string& argument)
     const KelInsIO::Path path(argument);
     if (path.IsEmpty())
         throw UsageError("\"" + argument + "\" is not the name of a folder.");
-    const auto absolute = std::filesystem::absolute(KelInsString::Widen(path.GetPath() + KelInsIO::Path::Sep));
-    return KelInsIO::Path(KelInsString::Narrow(absolute.lexically_normal().wstring())).GetPath();
+    if (path.GetRoot().starts_with(R"(\\)"))
+        return path.GetPath(); // a share: full already, and MinGW's std::filesystem does not know shares
+    const std::filesystem::path spelled = KelInsString::Widen(path.GetPath() + KelInsIO::Path::Sep);
+    const std::filesystem::path absolute = std::filesystem::absolute(spelled.lexically_normal());
+    return KelInsIO::Path(KelInsString::Narrow(absolute.wstring())).GetPath();
 }
 
 void ExpectFolders(const std::vector<std::string>& arguments, std::size_t count, const char* form)

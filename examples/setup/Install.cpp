@@ -28,15 +28,13 @@ std::string Megabytes(std::uint64_t bytes)
 bool IsInside(const std::string& path, const std::string& directory)
 {
     namespace fs = std::filesystem;
+    std::error_code ignored; // what cannot be asked is not the same
     const fs::path outer = KelInsString::Widen(directory + Path::Sep);
-    if (!fs::exists(outer))
-        return false;
-    for (fs::path inner = KelInsString::Widen(path + Path::Sep);; inner = inner.parent_path()) {
-        if (fs::exists(inner) && fs::equivalent(inner, outer))
+    fs::path inner = KelInsString::Widen(path + Path::Sep);
+    for (; inner.has_relative_path(); inner = inner.parent_path())
+        if (fs::equivalent(inner, outer, ignored))
             return true;
-        if (!inner.has_relative_path())
-            return false;
-    }
+    return fs::equivalent(inner, outer, ignored);
 }
 
 void CheckTarget(const std::string& payload, const std::string& target)

@@ -29,6 +29,8 @@ void Run(const Setup::CommandLine& commandLine)
 
 } // namespace
 
+extern "C" int wmain(int count, wchar_t** texts); // the start-up code looks for this name
+
 int wmain(int count, wchar_t** texts)
 {
     std::ios::sync_with_stdio(false); // whole lines to the console at once

@@ -56,7 +56,7 @@ std::string KeyOf(const std::string& line)
         return "";
     std::size_t end = begin;
     while (end < line.size() && std::string("=: \t\f").find(line[end]) == std::string::npos)
-        end += line[end] == '\\' ? 2 : 1;
+        end += line[end] == '\\' ? 2U : 1U; // an escaped character does not end it
     return KelInsJavaProperties::loadConvert(line.substr(begin, end - begin));
 }
 

@@ -52,7 +52,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BadLine{"PathAlone", "docs/x"}, BadLine{"OtherComment", "# other docs"},
                     BadLine{"DirectoryParent", "# directory .."}, BadLine{"DirectoryRooted", "# directory /docs"},
                     BadLine{"DirectoryDrive", "# directory C:"}, BadLine{"DirectoryEmpty", "# directory "}),
-    [](const auto& info) { return std::string(info.param.label); });
+    [](const auto& row) { return std::string(row.param.label); });
 
 TEST(InstallListTest, RefusesAPathWithAZeroByte)
 {

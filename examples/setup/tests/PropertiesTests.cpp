@@ -54,7 +54,7 @@ constexpr PropertyCase kCases[] = {
 };
 
 INSTANTIATE_TEST_SUITE_P(Files, SetProperty, testing::ValuesIn(kCases),
-                         [](const auto& info) { return std::string(info.param.label); });
+                         [](const auto& row) { return std::string(row.param.label); });
 
 TEST(SetPropertyTest, WritesAReadOnlyFileAndLeavesItReadOnly)
 {
