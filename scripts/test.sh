@@ -54,7 +54,10 @@ tests() { # PRESET: the tests that are built there
 fuzz() { # SECONDS: every target side by side, from its seeds, with its dictionary
     local seconds=$1 target name status=0 jobs=()
     mkdir -p build/fuzz
-    for target in build/native-fuzz/bin/*Fuzz; do
+    shopt -s nullglob
+    local targets=(build/native-fuzz/bin/*Fuzz)
+    [ "${#targets[@]}" -gt 0 ] || { echo "no fuzz target was built"; return 1; }
+    for target in "${targets[@]}"; do
         name=$(basename "$target")
         mkdir -p "build/fuzz/$name"
         local options=(-max_total_time="$seconds" -timeout=25 -rss_limit_mb=4096 -print_final_stats=1
