@@ -42,9 +42,9 @@ void ConfigureEnvironment(const std::string& file, const std::string& target)
         KelInsIniFile::Write(file, "", name, value, where, ',', true);
     };
     set("APP_HOME", ShellQuote(Path::Slashify(target)), Where::Replace);
-    set("APP_VERSION", kVersion, Where::Replace);
     set("APP_MODULES", "documents", Where::Append);
     set("APP_LANGUAGES", "de", Where::Prepend);
+    set("APP_VERSION", kVersion, Where::Replace);
 }
 
 void ConfigureProperties(const std::string& file, const std::string& target)

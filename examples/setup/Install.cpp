@@ -24,13 +24,19 @@ std::string Megabytes(std::uint64_t bytes)
     return KelInsString::ToFixedPrecision(static_cast<double>(bytes) / 1e6, 1) + " MB";
 }
 
+/// "C:" alone would be the current directory on that drive.
+std::filesystem::path ToStandardPath(const std::string& path)
+{
+    return KelInsString::Widen(Path(path).GetSubPath().empty() ? path + Path::Sep : path);
+}
+
 /// Whether a path is that directory or stands somewhere below it, in whatever spelling and through links, too.
 bool IsInside(const std::string& path, const std::string& directory)
 {
     namespace fs = std::filesystem;
     std::error_code ignored; // what cannot be asked is not the same
-    const fs::path outer = KelInsString::Widen(directory + Path::Sep);
-    fs::path inner = KelInsString::Widen(path + Path::Sep);
+    const fs::path outer = ToStandardPath(directory);
+    fs::path inner = ToStandardPath(path);
     for (; inner.has_relative_path(); inner = inner.parent_path())
         if (fs::equivalent(inner, outer, ignored))
             return true;
@@ -88,13 +94,12 @@ std::vector<std::string> MissingDirectories(const std::string& target)
 }
 
 /// The configured files come first: what is wrong with them shows before thousands of files are copied.
-std::vector<std::string> FilesInOrder(const Payload& payload)
+std::vector<Payload::File> FilesInOrder(const Payload& payload)
 {
-    std::vector<std::string> paths;
-    for (const Payload::File& file : payload.files)
-        paths.push_back(file.path);
-    std::stable_partition(paths.begin(), paths.end(), IsConfigured);
-    return paths;
+    std::vector<Payload::File> files = payload.files;
+    std::stable_partition(files.begin(), files.end(),
+                          [](const Payload::File& file) { return IsConfigured(file.path); });
+    return files;
 }
 
 void MakeDirectories(const Payload& payload, const std::string& target, Undo& undo, InstallListWriter& list)
@@ -109,10 +114,10 @@ void MakeDirectories(const Payload& payload, const std::string& target, Undo& un
 void MakeFiles(const Payload& payload, const std::string& target, Undo& undo, InstallListWriter& list)
 {
     Progress progress("Copying", payload.files.size());
-    for (const std::string& path : FilesInOrder(payload)) {
+    for (const auto& [path, size] : FilesInOrder(payload)) {
         const std::string destination = target + Path::Sep + path;
         undo.WillMake(destination);
-        StageFile(payload.root + Path::Sep + path, destination);
+        StageFile(payload.root + Path::Sep + path, size, destination);
         if (IsConfigured(path)) {
             undo.WillMake(destination + "_TmpIniW"); // what a failing edit may leave beside the file
             undo.WillMake(destination + "_TmpRIL");

@@ -17,10 +17,10 @@ bool IsReadOnly(const std::string& path)
 
 } // namespace
 
-void StageFile(const std::string& source, const std::string& destination)
+void StageFile(const std::string& source, std::uint64_t size, const std::string& destination)
 {
     KelInsIO::Copy(source, destination);
-    if (KelInsIO::GetFileSize(destination) != KelInsIO::GetFileSize(source)) // Copy does not see a short write
+    if (KelInsIO::GetFileSize(destination) != size) // Copy does not see a short write
         throw std::runtime_error("Only a part of " + source + " could be written to " + destination);
 
     const KelInsIO::FileTime time = KelInsIO::GetTime(source);
