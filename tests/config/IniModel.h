@@ -73,9 +73,9 @@ inline std::string Read(const std::string& content, const std::string& section, 
 
 struct Request
 {
-    std::string section;
-    std::string key;
-    std::string value;
+    std::string section{};
+    std::string key{};
+    std::string value{};
     int where = 0;
     char separator = ';';
     bool shellExport = false;
