@@ -175,15 +175,16 @@ list_is_right() { # sha256sum knows the format of the list, and checks every fil
     local listed present
     listed=$(grep -vc '^#' "$target/$list_name")
     present=$(find "$target" -type f ! -name "$list_name" | wc -l)
-    [ "$listed" -eq "$present" ] && note "$listed files" || fail "$listed files are listed, $present are there"
+    [ "$listed" -eq "$present" ] || { fail "$listed files are listed, $present are there"; return 1; }
+    note "$listed files"
 }
 
+# shellcheck disable=SC2016 # what is in single quotes is for the other shell
 environment_works() { # a real shell sources the file; all that is not ours is as it was
     values() { tr -d '\r' <"$1" >"$demo/start.sh" && env -i sh -ec '. "$1"; set' sh "$demo/start.sh" | grep -v '^APP_'; }
     values "$payload/start.env" >"$demo/values.payload" && values "$target/start.env" >"$demo/values.target" || return 1
     diff "$demo/values.payload" "$demo/values.target" || return 1
     [ "$(wc -l <"$demo/values.target")" -gt 5 ] || { fail "the shell knows only few variables"; return 1; }
-    # shellcheck disable=SC2016
     diff - <(env -i sh -ec '. "$1"; exec env' sh "$demo/start.sh" | grep '^APP_' | sort) <<END
 APP_HOME=Z:$target
 APP_LANGUAGES=de,en,fr
@@ -202,6 +203,10 @@ properties_work() {
 
 nothing_else_changed() { # the payload is as it was gathered, and no temporary file is left anywhere
     snapshot "$payload" | diff "$demo/payload.before" - && [ -z "$(find "$demo" -name '*_Tmp*')" ]
+}
+
+names_in() { # DIRECTORY: all names in it, in one line
+    find "$1" -mindepth 1 -printf '%P\n' | sort | tr '\n' ' '
 }
 
 snapshot() { # DIRECTORY: names, kinds, permissions, times and contents of all in it
@@ -252,7 +257,7 @@ uninstall_leaves_nothing() {
     mkdir -p "$place" && setup 0 install "$(windows "$small")" "$(windows "$place/new")" && [ -f "$place/new/$list_name" ] &&
         setup 0 uninstall "$(windows "$place/new")" && [ -z "$(ls -A "$place")" ] || return 1
     mkdir "$place/there" && setup 0 install "$(windows "$small")" "$(windows "$place/there")" &&
-        setup 0 uninstall "$(windows "$place/there")" && [ "$(cd "$place" && find . | xargs)" = ". ./there" ] &&
+        setup 0 uninstall "$(windows "$place/there")" && [ "$(names_in "$place")" = "there " ] &&
         rm -r "$place"
 }
 
@@ -298,7 +303,7 @@ tampered_lists() {
     # a well-formed line may name what is inside, but only unchanged files go
     echo "$digest  my.txt" >>"$place/target/$list_name" && echo "mine" >"$place/target/my.txt" &&
         setup 0 uninstall "$(windows "$place/target")" && says "my.txt (changed)" &&
-        [ "$(cd "$place" && find . -type f | sort | xargs)" = "./outside.txt ./target/my.txt" ] && rm -r "$place" && note "16 lists"
+        [ "$(names_in "$place")" = "outside.txt target target/my.txt " ] && rm -r "$place" && note "16 lists"
 }
 
 # --- bad input -------------------------------------------------------------------------------------------------------
@@ -323,11 +328,13 @@ bad_command_lines() {
 
 bad_payloads() {
     local place=$demo/small new=$demo/small/new
-    mkdir -p "$place/bare" && copy_of_small without && rm "$place/without/app.properties" || return 1
+    mkdir -p "$place/bare" && copy_of_small without && rm "$place/without/app.properties" &&
+        copy_of_small installation && touch "$place/installation/$list_name" || return 1
     refused 1 "does not exist." install "$(windows "$place/missing")" "$(windows "$new")" &&
         refused 1 "is not a folder." install "$(windows "$small/settings.ini")" "$(windows "$new")" &&
         refused 1 "holds no files." install "$(windows "$place/bare")" "$(windows "$new")" &&
         refused 1 "has no file app.properties." install "$(windows "$place/without")" "$(windows "$new")" &&
+        refused 1 "is itself an installation" install "$(windows "$place/installation")" "$(windows "$new")" &&
         refused 1 "stands inside the target" install "$(windows "$small")" "$(windows "$place")" &&
         refused 1 "stands inside the target" install "$(windows "$small")" "$(windows "$small")" &&
         refused 1 "stands inside the payload" install "$(windows "$small")" "$(windows "$small/Größe/new")" &&

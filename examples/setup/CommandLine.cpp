@@ -11,7 +11,8 @@ namespace {
 /// of any kind are welcome.
 std::string MakeAbsolute(const std::string& argument)
 {
-    const KelInsIO::Path path(argument);
+    // Path takes a text in backslashes for a quoted one: without the last it understands "\\server\share\" and "\x\"
+    const KelInsIO::Path path(argument.substr(0, argument.find_last_not_of("\\/") + 1));
     if (path.IsEmpty())
         throw UsageError("\"" + argument + "\" is not the name of a folder.");
     if (path.GetRoot().starts_with(R"(\\)"))

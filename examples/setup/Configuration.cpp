@@ -1,5 +1,6 @@
 #include "Configuration.h"
 
+#include "ErrorText.h"
 #include "Properties.h"
 #include <KelInsInfra/config/KelInsIniFile.h>
 #include <KelInsInfra/foundation/KelInsString.h>
@@ -85,7 +86,7 @@ void Configure(const std::string& target, const std::string& path)
         else
             ConfigureTemplate(file, target);
     } catch (const std::exception& error) {
-        throw std::runtime_error(std::string(error.what()) + "\nThe file " + path +
+        throw std::runtime_error(TextOf(error) + "\nThe file " + path +
                                  " could not be adapted to its place. Correct it in the payload.");
     }
 }

@@ -2,6 +2,7 @@
 
 #include "Configuration.h"
 #include "Console.h"
+#include "ErrorText.h"
 #include "InstallList.h"
 #include "Payload.h"
 #include "Staging.h"
@@ -62,14 +63,21 @@ void CheckTarget(const std::string& payload, const std::string& target)
         throw std::runtime_error("The target " + target + " is not empty.\nChoose a new or empty folder.");
 }
 
-void CheckRequiredFiles(const Payload& payload)
+bool HoldsFile(const Payload& payload, const std::string& path)
 {
-    for (const std::string& required : RequiredFiles()) {
-        const auto isRequired = [&](const Payload::File& file) { return file.path == required; };
-        if (std::none_of(payload.files.begin(), payload.files.end(), isRequired))
+    return std::any_of(payload.files.begin(), payload.files.end(),
+                       [&](const Payload::File& file) { return file.path == path; });
+}
+
+void CheckFiles(const Payload& payload)
+{
+    for (const std::string& required : RequiredFiles())
+        if (!HoldsFile(payload, required))
             throw std::runtime_error("The payload " + payload.root + " has no file " + required +
                                      ".\nName the folder that holds it.");
-    }
+    if (HoldsFile(payload, InstallList::kFileName))
+        throw std::runtime_error("The payload " + payload.root + " is itself an installation: it holds the file " +
+                                 InstallList::kFileName + ".\nName the folder that was installed from.");
 }
 
 void CheckSpace(const Payload& payload, const std::string& target)
@@ -79,6 +87,9 @@ void CheckSpace(const Payload& payload, const std::string& target)
         throw std::runtime_error("There is no drive or share " + drive + ".\nChoose another target.");
     const std::uint64_t needed = SpaceNeeded(payload);
     const std::uint64_t available = KelInsIO::GetFreeSpaceOnDisk(target);
+    if (available == 0)
+        throw std::runtime_error("No space is free on " + drive +
+                                 ", or the system does not tell.\nChoose another target.");
     if (needed > available)
         throw std::runtime_error("Not enough space on " + drive + ": " + Megabytes(needed) + " are needed, " +
                                  Megabytes(available) + " are free.\nMake room there, or choose another drive.");
@@ -145,10 +156,10 @@ void Make(const Payload& payload, const std::string& target, Undo& undo)
 
 [[noreturn]] void TakeBackAndFail(const std::string& reason, Undo& undo)
 {
-    std::string text = reason.ends_with('\n') ? reason : reason + '\n'; // the library's texts end in a line feed
     const std::vector<std::string> left = undo.TakeBack();
-    text += left.empty() ? "Nothing was installed: what had been copied is removed again."
-                         : "The installation was taken back, but this is left and can be deleted by hand:";
+    std::string text =
+        reason + (left.empty() ? "\nNothing was installed: what had been copied is removed again."
+                               : "\nThe installation was taken back, but this is left; delete it by hand:");
     for (const std::string& each : left)
         text += "\n  " + each;
     throw std::runtime_error(text);
@@ -160,7 +171,7 @@ void Install(const std::string& payloadRoot, const std::string& target)
 {
     const Payload payload = SurveyPayload(payloadRoot);
     CheckTarget(payloadRoot, target);
-    CheckRequiredFiles(payload);
+    CheckFiles(payload);
     CheckSpace(payload, target);
 
     std::cout << "Installing " << payload.files.size() << " files in " << target << std::endl;
@@ -168,7 +179,7 @@ void Install(const std::string& payloadRoot, const std::string& target)
     try {
         Make(payload, target, undo);
     } catch (const std::exception& error) {
-        TakeBackAndFail(error.what(), undo);
+        TakeBackAndFail(TextOf(error), undo);
     }
     std::cout << "Installed. To remove it again: setup uninstall \"" << target << "\"" << std::endl;
 }

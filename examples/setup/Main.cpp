@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 #include "Console.h"
+#include "ErrorText.h"
 #include "Install.h"
 #include "Uninstall.h"
 #include <KelInsInfra/foundation/KelInsString.h>
@@ -46,7 +47,7 @@ int wmain(int count, wchar_t** texts)
         std::cerr << "setup: " << error.what() << "\nThis tells what can be done: setup --help\n";
         return kUsage;
     } catch (const std::exception& error) {
-        std::cerr << "setup: " << error.what() << std::endl;
+        std::cerr << "setup: " << Setup::TextOf(error) << std::endl;
         return kFailed;
     }
 }

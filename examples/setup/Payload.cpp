@@ -7,11 +7,14 @@
 namespace Setup {
 namespace {
 
-void SurveyDirectory(const std::string& prefix, Payload& payload)
+/// @param directory  relative to the payload; empty for the payload itself.
+void SurveyDirectory(const std::string& directory, Payload& payload)
 {
+    using KelInsIO::Path;
     using KelInsIO::Type;
-    const std::string directory = payload.root + KelInsIO::Path::Sep + prefix;
-    for (KelInsIO::FindFile entry(directory, Type::Directory | Type::File); !entry.End(); entry.Next()) {
+    const std::string prefix = directory.empty() ? "" : directory + Path::Sep;
+    const std::string fullName = directory.empty() ? payload.root : payload.root + Path::Sep + directory;
+    for (KelInsIO::FindFile entry(fullName, Type::Directory | Type::File); !entry.End(); entry.Next()) {
         const std::string path = prefix + entry.GetName();
         if (entry.IsFile()) {
             payload.files.push_back({path, KelInsIO::GetFileSize(entry.GetPath())});
@@ -21,7 +24,7 @@ void SurveyDirectory(const std::string& prefix, Payload& payload)
             throw std::runtime_error("The payload holds a link to a folder: " + entry.GetPath() +
                                      "\nPut the folder itself there.");
         payload.directories.push_back(path);
-        SurveyDirectory(path + KelInsIO::Path::Sep, payload);
+        SurveyDirectory(path, payload);
     }
 }
 

@@ -1,8 +1,8 @@
 #include "Undo.h"
 
+#include "ErrorText.h"
 #include <KelInsInfra/io/FindFile.h>
 #include <KelInsInfra/io/KelInsIO.h>
-#include <exception>
 
 namespace Setup {
 
@@ -26,7 +26,7 @@ std::vector<std::string> Undo::TakeBack()
             KelInsIO::SetReadOnly(path, false);
             KelInsIO::Delete(path);
         } catch (const std::exception& error) {
-            left.push_back(error.what());
+            left.push_back(TextOf(error));
         }
     }
     return left;

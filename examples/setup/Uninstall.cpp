@@ -1,6 +1,7 @@
 #include "Uninstall.h"
 
 #include "Console.h"
+#include "ErrorText.h"
 #include "InstallList.h"
 #include <KelInsInfra/io/FindFile.h>
 #include <KelInsInfra/io/KelInsIO.h>
@@ -52,13 +53,14 @@ public:
     }
 
 private:
-    /// @param prefix  empty for the target, else the directory's path and a '/'.
-    void CleanDirectory(const std::string& prefix)
+    /// @param directory  relative to the target, with '/' between the names; empty for the target itself.
+    void CleanDirectory(const std::string& directory)
     {
-        for (const Entry& entry : ReadDirectory(target_ + Path::Sep + prefix)) {
+        const std::string prefix = directory.empty() ? "" : directory + '/';
+        for (const Entry& entry : ReadDirectory(directory.empty() ? target_ : FullName(directory))) {
             const std::string path = prefix + entry.name;
             if (entry.isDirectory) {
-                CleanDirectory(path + '/');
+                CleanDirectory(path);
                 RemoveDirectoryIfEmpty(path);
             } else if (path != InstallList::kFileName) {
                 RemoveFileIfInstalled(path);
@@ -68,9 +70,8 @@ private:
 
     void RemoveDirectoryIfEmpty(const std::string& path)
     {
-        const std::string directory = target_ + Path::Sep + path;
-        if (list_.HasDirectory(path) && FindFile::IsDirectoryEmpty(directory))
-            Try([&] { KelInsIO::Delete(directory); });
+        if (list_.HasDirectory(path) && FindFile::IsDirectoryEmpty(FullName(path)))
+            Try([&] { KelInsIO::Delete(FullName(path)); });
     }
 
     void RemoveFileIfInstalled(const std::string& path)
@@ -86,7 +87,7 @@ private:
 
     void RemoveFileIfUnchanged(const std::string& path, const std::string& digest)
     {
-        const std::string file = target_ + Path::Sep + path;
+        const std::string file = FullName(path);
         if (DigestOfFile(file) != digest) {
             result_.kept.push_back(path + " (changed)");
             return;
@@ -96,13 +97,15 @@ private:
         ++result_.removed;
     }
 
+    std::string FullName(const std::string& path) const { return target_ + Path::Sep + path; }
+
     template <typename Call>
     void Try(const Call& call) // a file in use must not keep the others from being removed
     {
         try {
             call();
         } catch (const std::exception& error) {
-            result_.failed.push_back(error.what());
+            result_.failed.push_back(TextOf(error));
         }
     }
 
@@ -123,7 +126,7 @@ InstallList ReadList(const std::string& file, const std::string& target)
     try {
         return InstallList(stream);
     } catch (const std::exception& error) {
-        throw std::runtime_error("The list of installed files, " + file + ", was changed.\n" + error.what() +
+        throw std::runtime_error("The list of installed files, " + file + ", was changed.\n" + TextOf(error) +
                                  "\nNothing was removed. Restore the list, or delete the folder by hand.");
     }
 }
@@ -144,7 +147,7 @@ void PrintKept(const std::vector<std::string>& kept)
 {
     std::string text = "Not everything could be removed:";
     for (const std::string& reason : failed)
-        text += "\n  " + reason.substr(0, reason.find_last_not_of('\n') + 1);
+        text += "\n  " + reason;
     throw std::runtime_error(text + "\nClose the programs that use these files, and uninstall again.");
 }
 

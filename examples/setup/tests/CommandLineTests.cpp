@@ -19,10 +19,23 @@ TEST(CommandLineTest, Install)
 
 TEST(CommandLineTest, Uninstall)
 {
-    const CommandLine commandLine = ParseCommandLine({"uninstall", R"(\\server\share\x)"});
+    const CommandLine commandLine = ParseCommandLine({"uninstall", R"(D:\x)"});
     EXPECT_EQ(commandLine.action, CommandLine::Action::Uninstall);
     EXPECT_EQ(commandLine.payload, "");
-    EXPECT_EQ(commandLine.target, R"(\\server\share\x)");
+    EXPECT_EQ(commandLine.target, R"(D:\x)");
+}
+
+TEST(CommandLineTest, Shares)
+{
+    for (const char* form : {R"(\\server\share\x)", R"(\\server\share\x\)", "//server/share/x/"})
+        EXPECT_EQ(ParseCommandLine({"uninstall", form}).target, R"(\\server\share\x)") << form;
+}
+
+TEST(CommandLineTest, RootOfTheCurrentDrive)
+{
+    const std::string drive = std::filesystem::current_path().root_name().string();
+    for (const char* form : {R"(\x)", R"(\x\)", "/x/"})
+        EXPECT_EQ(ParseCommandLine({"uninstall", form}).target, drive + R"(\x)") << form;
 }
 
 TEST(CommandLineTest, RelativeFoldersAreBelowTheCurrentOne)
@@ -51,6 +64,7 @@ TEST(CommandLineTest, WhatIsNotUnderstood)
         {"install", "", "b"},
         {"install", "a", ""},
         {"install", "a", R"(\\server)"},
+        {"uninstall", R"(\)"},
         {"uninstall"},
         {"uninstall", "a", "b"},
     };
