@@ -221,9 +221,9 @@ change_installation() { # what users do to an installation
         mkdir -p "$target/my folder/empty" && echo "mine" >"$target/my folder/mine.txt" &&
         printf 'Language=de\r\n' >>"$target/settings.ini" &&
         chmod u+w "$target/read-only/read-only.txt" && echo "changed" >"$target/read-only/read-only.txt" &&
-        rm -rf "$target/zoneinfo" && rm "$target/start.env" &&
-        mkdir -p "$demo/outside" && cp -r "$payload/perl" "$demo/outside/perl" && rm -rf "$target/perl" &&
-        ln -s "$demo/outside/perl" "$target/perl" && # a folder that was installed, and now leads elsewhere
+        rm -rf "$target/templates" && rm "$target/start.env" &&
+        mkdir -p "$demo/outside" && cp -r "$payload/cmake" "$demo/outside/cmake" && rm -rf "$target/cmake" &&
+        ln -s "$demo/outside/cmake" "$target/cmake" && # a folder that was installed, and now leads elsewhere
         snapshot "$demo/outside" >"$demo/outside.before" &&
         cp -p "$target/settings.ini" "$demo/settings.changed"
 }
@@ -232,10 +232,10 @@ only_users_files_left() {
     diff - <(cd "$target" && find . -mindepth 1 | sort) <<'END' || return 1
 ./Sprachen – 言語
 ./Sprachen – 言語/my notes ü.txt
+./cmake
 ./my folder
 ./my folder/empty
 ./my folder/mine.txt
-./perl
 ./read-only
 ./read-only/read-only.txt
 ./settings.ini
@@ -355,10 +355,14 @@ bad_targets() {
 }
 
 not_enough_space() { # a file with holes: larger than the disk has room for, and yet small
-    copy_of_small huge && truncate -s $(($(df --output=avail -B 1 "$demo" | tail -n 1) + 1000000000)) "$demo/small/huge/huge.bin" || return 1
+    local free result
+    free=$(df --output=avail -B 1 "$demo" | tail -n 1)
+    copy_of_small huge && truncate -s $((free + 1000000000)) "$demo/small/huge/huge.bin" || return 1
     # should it ever start copying that, it is stopped long before the disk is full
-    (trap '' XFSZ; ulimit -f 100000; setup 1 install "$(windows "$demo/small/huge")" "$(windows "$demo/small/new")") && says "Not enough space on Z:" &&
-        rm -r "$demo/small/huge" && [ ! -e "$demo/small/new" ]
+    (trap '' XFSZ; ulimit -f 100000; setup 1 install "$(windows "$demo/small/huge")" "$(windows "$demo/small/new")")
+    result=$?
+    rm -r "$demo/small/huge"
+    [ "$result" -eq 0 ] && says "Not enough space on Z:" && [ ! -e "$demo/small/new" ]
 }
 
 malformed_environment() {
