@@ -4,6 +4,7 @@
 #include <KelInsInfra/foundation/KelInsEnv.h>
 #include <KelInsInfra/foundation/internal/WindowsApi.h>
 #include <KelInsInfra/system/KelInsSys.h>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
@@ -39,6 +40,12 @@ int WriteFileLater(const char* milliseconds, const char* file)
     return 0;
 }
 
+int SharersOfConsole()
+{
+    std::array<DWORD, 16> processes{};
+    return static_cast<int>(::GetConsoleProcessList(processes.data(), static_cast<DWORD>(processes.size())));
+}
+
 void PrintFacts()
 {
     std::cout << std::boolalpha << "version: " << KelInsSys::GetWindowsVersion()
@@ -62,8 +69,10 @@ int Run(int argc, char** argv)
         return WriteToHandle(argv[2], argv[3]);
     } else if (verb == "later" && argc == 4) {
         return WriteFileLater(argv[2], argv[3]);
-    } else if (verb == "window") {
-        return ::GetConsoleWindow() != nullptr ? 1 : 0;
+    } else if (verb == "console") {
+        return SharersOfConsole() + (::GetConsoleWindow() != nullptr ? 100 : 0);
+    } else if (verb == "lengths" && argc == 4) {
+        return static_cast<int>(std::strlen(argv[2]) + std::strlen(argv[3]));
     } else if (verb == "admin") {
         return KelInsSys::IsAdmin() ? 1 : 0;
     } else if (verb == "environment" && argc == 3) {
