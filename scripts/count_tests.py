@@ -10,9 +10,10 @@ LABELS = {
     "native-asan": "natively, address and undefined-behaviour sanitizers",
     "native-tsan": "natively, thread sanitizer",
     "mingw": "under Wine",
+    "mingw-user": "under Wine, as an ordinary user",
 }
 total = {"passed": 0, "failed": 0, "skipped": 0}
-complete = True
+complete = len(sys.argv) > 1
 for folder in map(pathlib.Path, sys.argv[1:]):
     count = dict.fromkeys(total, 0)
     skipped = []

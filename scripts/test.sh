@@ -21,6 +21,7 @@ esac
 logs=$root/build/logs
 mkdir -p "$logs"
 failed=()
+results=() # folders with reports of the tests that ran
 step_number=0
 
 step() { # TITLE COMMAND...: runs it with its output in a log, and says how it went
@@ -84,13 +85,20 @@ step "install what is missing" scripts/install.sh || exit 1
 step "layout and lint" scripts/check-style.sh
 if step "build natively, address and undefined-behaviour sanitizers" build native-asan all; then
     step "test natively, address and undefined-behaviour sanitizers" tests native-asan
+    results+=(build/native-asan/results)
 fi
 if step "build natively, thread sanitizer" build native-tsan all; then
     step "test natively, thread sanitizer" tests native-tsan
+    results+=(build/native-tsan/results)
 fi
 if step "build for Windows, each public header alone too" build mingw all all_verify_interface_header_sets; then
     if step "make the Wine prefix in build/" scripts/wine-prefix.sh; then
         step "test under Wine" tests mingw
+        results+=(build/mingw/results)
+        if [ "$(id -u)" -eq 0 ]; then
+            step "test under Wine as an ordinary user" scripts/test-as-user.sh
+            results+=(build/mingw-user/results)
+        fi
         step "stop that Wine's server" scripts/wine-prefix.sh stop
     fi
 fi
@@ -98,7 +106,7 @@ if [ "$fuzz_seconds" -gt 0 ] && step "build the fuzz targets" build native-fuzz 
     step "fuzz, $fuzz_seconds s for each target" fuzz "$fuzz_seconds"
 fi
 
-python3 scripts/count_tests.py build/native-asan/results build/native-tsan/results build/mingw/results || failed+=("the count of tests")
+python3 scripts/count_tests.py "${results[@]}" || failed+=("the count of tests")
 if [ "${#failed[@]}" -gt 0 ]; then
     printf 'FAILED: %s\n' "${failed[@]}"
     exit 1

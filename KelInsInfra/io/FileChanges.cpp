@@ -19,13 +19,13 @@ bool ReadEntry(const Path& path, FileRecord& record)
     return bareRoot && ReadFileRecord(path.GetPath() + Path::Sep, record) == 0;
 }
 
-/// A path and the directories above it that do not exist, deepest first.
-std::vector<Path> CollectMissing(const Path& path)
+/// A missing directory and those above it that are missing too, deepest first.
+std::vector<Path> WithMissingAbove(const Path& directory)
 {
-    std::vector<Path> missing;
+    std::vector<Path> missing = {directory};
     FileRecord ignored;
-    for (Path next = path; !next.IsEmpty() && !ReadEntry(next, ignored); next = next.GetParent())
-        missing.push_back(next);
+    for (Path above = directory.GetParent(); !above.IsEmpty() && !ReadEntry(above, ignored); above = above.GetParent())
+        missing.push_back(above);
     return missing;
 }
 
@@ -74,7 +74,7 @@ void CreateDir(const std::string& path)
         return;
     }
     DWORD error = 0;
-    std::vector<Path> missing = CollectMissing(directory);
+    std::vector<Path> missing = WithMissingAbove(directory);
     for (; !missing.empty(); missing.pop_back()) // highest first; the last one, the directory itself, decides
         error = CreateOneDirectory(missing.back());
     if (error != 0)

@@ -68,7 +68,7 @@ void CollectStubVariables(const Image& image, const std::string& function, std::
     }
 }
 
-void CollectSlots(HMODULE module, const std::string& function, std::vector<void**>& slots)
+bool CollectSlots(HMODULE module, const std::string& function, std::vector<void**>& slots)
 {
     const std::size_t before = slots.size();
     if (module != nullptr) {
@@ -77,8 +77,7 @@ void CollectSlots(HMODULE module, const std::string& function, std::vector<void*
         if (slots.size() == before)
             CollectStubVariables(image, function, slots);
     }
-    if (slots.size() == before)
-        throw std::runtime_error("ImportHook: a module does not call (or has not yet looked up) " + function);
+    return slots.size() != before;
 }
 
 void Write(void** slot, void* value)
@@ -93,9 +92,11 @@ void Write(void** slot, void* value)
 
 ImportSlots::ImportSlots(const std::string& function, const std::vector<std::wstring>& alsoIn, void* target)
 {
-    CollectSlots(LibraryModule(), function, slots_);
+    bool found = CollectSlots(LibraryModule(), function, slots_) || !alsoIn.empty();
     for (const std::wstring& name : alsoIn)
-        CollectSlots(::GetModuleHandleW(name.c_str()), function, slots_);
+        found = CollectSlots(::GetModuleHandleW(name.c_str()), function, slots_) && found;
+    if (!found)
+        throw std::runtime_error("ImportHook: a module does not call (or has not yet looked up) " + function);
     original_ = *slots_.front();
     for (void** slot : slots_)
         Write(slot, target);

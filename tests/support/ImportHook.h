@@ -24,7 +24,8 @@ public:
     /// @param function  exported name, for example "DeleteFileW".
     /// @param alsoIn    further modules by file name; the module that holds the library comes first in any case:
     ///                  KelInsInfra.dll where it is loaded, else the program itself.
-    /// @throws std::runtime_error  when one of the modules does not call the function.
+    /// @throws std::runtime_error  when one of the modules does not call the function; where further ones are named,
+    ///                             the library need not call it itself.
     ImportSlots(const std::string& function, const std::vector<std::wstring>& alsoIn, void* target);
     ~ImportSlots();
     ImportSlots(const ImportSlots&) = delete;

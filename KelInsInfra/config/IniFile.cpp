@@ -1,0 +1,54 @@
+#include <KelInsInfra/config/internal/IniLines.h>
+#include <KelInsInfra/io/KelInsIO.h>
+#include <KelInsInfra/io/internal/RewriteFile.h>
+
+namespace KelInsIniFile {
+namespace {
+
+void CheckArguments(const std::string& fileName, const std::string& key)
+{
+    if (fileName.empty())
+        throw std::runtime_error("Filename is empty");
+    if (key.empty())
+        throw std::runtime_error("Key is empty");
+}
+
+/// Content of the file; empty where there is none yet, and its directory then exists.
+std::string Load(const std::string& fileName)
+{
+    if (KelInsIO::Exists(fileName) && KelInsIO::IsFile(fileName))
+        return KelInsIO::ReadForRewriting(fileName, {});
+    KelInsIO::CreateDir(KelInsIO::Path(fileName).GetParent().GetPath());
+    return {};
+}
+
+} // namespace
+
+std::string ReadValueOfKey(const std::string& fileName, const std::string& section, const std::string& key)
+{
+    CheckArguments(fileName, key);
+    std::ifstream stream = KelInsIO::GetInputFileStream(fileName, std::ios_base::in);
+    if (stream.fail())
+        throw std::runtime_error("Failed to open " + fileName);
+    KeySearch search(section, key);
+    for (std::string line; KelInsIO::GetLine(stream, line);)
+        if (const auto value = search.Examine(line))
+            return std::string(*value);
+    throw KeyNotFoundException("The key " + key + " was not found in section " + section + " in file " + fileName);
+}
+
+void Write(const std::string& fileName, const std::string& section, const std::string& key, const std::string& value,
+           Where where, char separator, bool shellExport)
+{
+    CheckArguments(fileName, key);
+    const std::string content = AssignKey(Load(fileName), {.fileName = fileName,
+                                                           .section = section,
+                                                           .key = key,
+                                                           .value = value,
+                                                           .where = where,
+                                                           .separator = separator,
+                                                           .shellExport = shellExport});
+    KelInsIO::RewriteFile(fileName, fileName + "_TmpIniW", content, {});
+}
+
+} // namespace KelInsIniFile

@@ -1,0 +1,88 @@
+#include <KelInsInfra/foundation/KelInsString.h>
+#include <KelInsInfra/foundation/internal/WindowsApi.h>
+#include <KelInsInfra/io/KelInsIO.h>
+#include <KelInsInfra/io/internal/RewriteFile.h>
+#include <algorithm>
+#include <stdexcept>
+#include <vector>
+
+namespace KelInsIO {
+namespace {
+
+constexpr std::size_t kBlockSize = 65536;
+
+[[noreturn]] void Fail(const MessageFrame& frame, const std::string& text)
+{
+    throw std::runtime_error(frame.before + text + frame.after);
+}
+
+/// Removes what an earlier, interrupted rewriting left. It may also be a link that somebody planted: never write
+/// through it. A directory of that name stays, and the opening that follows reports what cannot be removed.
+void RemoveLeftover(const std::string& temporaryName)
+{
+    ::DeleteFileW(Path::GetFullPathNameW(Path(temporaryName).GetPath()).c_str());
+}
+
+void WriteWhole(const std::string& temporaryName, const std::string& content, const MessageFrame& frame)
+{
+    std::ofstream stream = GetOutputFileStream(temporaryName, std::ios_base::out);
+    if (!stream.good())
+        Fail(frame, "Failed to open " + temporaryName);
+    for (std::size_t written = 0; written < content.size(); written += kBlockSize) // beyond 2 GiB one call would not do
+        stream.write(content.data() + written,
+                     static_cast<std::streamsize>(std::min(kBlockSize, content.size() - written)));
+    stream.close();
+    if (!stream.good())
+        Fail(frame, "Failed to write " + temporaryName);
+}
+
+bool HasSize(const std::string& name, std::size_t size)
+{
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    if (!::GetFileAttributesExW(KelInsString::Widen(name).c_str(), GetFileExInfoStandard, &data))
+        return false;
+    return (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32 | data.nFileSizeLow) == size;
+}
+
+void DeleteIgnoringFailure(const std::string& name)
+{
+    try {
+        Delete(name);
+    } catch (const std::exception&) {
+        // the file itself is written: a temporary file that stays does no harm
+    }
+}
+
+} // namespace
+
+std::string ReadForRewriting(const std::string& name, const MessageFrame& frame)
+{
+    std::ifstream stream = GetInputFileStream(name, std::ios_base::in);
+    if (!stream.good())
+        Fail(frame, "Failed to open " + name);
+    std::string content;
+    std::vector<char> block(kBlockSize);
+    do {
+        stream.read(block.data(), static_cast<std::streamsize>(block.size()));
+        content.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+    } while (stream.good());
+    if (stream.bad())
+        Fail(frame, "Failed to read " + name);
+    return content;
+}
+
+void RewriteFile(const std::string& name, const std::string& temporaryName, const std::string& content,
+                 const MessageFrame& frame)
+{
+    RemoveLeftover(temporaryName);
+    WriteWhole(temporaryName, content, frame);
+    const bool wasReadOnly = SetReadOnly(name, false);
+    Copy(temporaryName, name);
+    if (!HasSize(name, content.size())) // the copy does not notice a short write or a read error
+        Fail(frame, "Failed to write " + name);
+    DeleteIgnoringFailure(temporaryName);
+    if (wasReadOnly)
+        SetReadOnly(name, true);
+}
+
+} // namespace KelInsIO
