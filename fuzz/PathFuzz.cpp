@@ -19,9 +19,8 @@ std::string ModelClean(std::string text)
 {
     const std::size_t size = text.size();
     const bool quotes = size > 1 && text[0] == '"' && text[size - 1] == '"';
-    const bool backslashes = size > 0 && text[0] == '\\' && text[size - 1] == '\\';
-    const bool unc = size > 1 && text[0] == '\\' && text[1] == '\\';
-    if (quotes || (backslashes && !unc))
+    const bool apostrophes = size > 0 && text[0] == '\'' && text[size - 1] == '\'';
+    if (quotes || apostrophes)
         text = size < 2 ? "" : text.substr(1, size - 2);
     for (char& c : text)
         if (c == '/')

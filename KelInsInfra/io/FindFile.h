@@ -16,7 +16,8 @@ namespace KelInsIO {
 /// @endcode
 ///
 /// A directory that is missing, unreadable or not a directory is at its end at once, and an error on the way ends the
-/// search: neither is reported. The search handle stays open until destruction.
+/// search: neither is reported. The search handle stays open until destruction. A moved-from search is fit only to be
+/// assigned or destroyed.
 class FindFile
 {
 public:

@@ -90,17 +90,18 @@ KELINS_API void CreateDir(const std::string& path);
 
 /// Copies a file, or a directory with all in it. An existing file is overwritten, missing directories above the
 /// destination are created. Attributes and times are not copied. A link to a directory is followed: what stands in the
-/// linked directory is copied.
+/// linked directory is copied. A directory must not be copied into itself: the copy may find itself and go on until the
+/// names are too long for the system. A read error ends the file's copy like its end and is not reported.
 /// @throws "Copy - empty source path\n"; "Copy - empty destination path\n"; "Cannot stat <source> - <C text>\n";
 ///         "Cannot copy <source> to itself.\n" also through a hard link; "Cannot read <source> - <C text>\n";
 ///         "Cannot write into <destination> - <C text>\n"; and as GetType and CreateDir.
 KELINS_API void Copy(const std::string& source, const std::string& destination);
 
 /// Deletes a file, or a directory with all in it. Of a link to a directory only the link is removed, never what stands
-/// in its target. Read-only files are refused: they are not made writable first.
-/// @throws "Delete - empty path\n"; "DeleteFile - <path> - <system text>\n"; "RemoveDirectory - <path> - <system
-/// text>\n";
-///         and as GetType, so also for a missing path.
+/// in its target. Read-only files are refused: they are not made writable first. A drive ("C:") stands for its root
+/// directory with all in it.
+/// @throws "Delete - empty path\n"; "DeleteFile - <path> - <system text>\n";
+///         "RemoveDirectory - <path> - <system text>\n"; and as GetType, so also for a missing path.
 KELINS_API void Delete(const std::string& path);
 
 /// Deletes one file.

@@ -25,12 +25,11 @@ bool IsEnclosedBy(const std::string& text, char c)
     return !text.empty() && text.front() == c && text.back() == c;
 }
 
-/// Removes one pair of enclosing double quotes or backslashes. A UNC name with a trailing backslash is not enclosed:
-/// its leading pair belongs to the name.
-void StripEnclosingPair(std::string& text)
+/// Removes one pair of enclosing quotes, double or single. A single quote alone is a pair of itself.
+void StripQuotes(std::string& text)
 {
     const bool quoted = text.size() > 1 && IsEnclosedBy(text, '"');
-    if (!quoted && (!IsEnclosedBy(text, kSeparator) || BeginsAsUnc(text)))
+    if (!quoted && !IsEnclosedBy(text, '\''))
         return;
     text.pop_back();
     if (!text.empty())
@@ -53,7 +52,7 @@ void StripTrailingSeparators(std::string& text)
 
 void Clean(std::string& text)
 {
-    StripEnclosingPair(text);
+    StripQuotes(text);
     std::replace(text.begin(), text.end(), '/', kSeparator);
     CollapseSeparators(text);
     StripTrailingSeparators(text);

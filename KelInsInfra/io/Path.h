@@ -28,8 +28,8 @@ public:
     /// The empty path: no text, no root.
     KELINS_API Path();
 
-    /// Any spelling of a path: absolute ("C:\x", "\\server\share\x"), relative, or in double quotes.
-    /// A text that itself begins and ends in '\' loses both: "\a\" is "a".
+    /// Any spelling of a path: absolute ("C:\x", "\\server\share\x"), relative, or in double or single
+    /// quotes.
     KELINS_API Path(std::string path); // implicit: wherever a path is wanted, its text will do
 
     KELINS_API Path(const Path& other);

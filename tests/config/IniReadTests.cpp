@@ -1,5 +1,5 @@
 #include "tests/support/ExpectThrowsText.h"
-#include "tests/support/FileContent.h"
+#include "tests/support/Files.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/TempDirectory.h"
@@ -56,9 +56,9 @@ class ReadValueOfKeyTable : public testing::TestWithParam<ReadCase>
 TEST_P(ReadValueOfKeyTable, GivesTheValue)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.ini", GetParam().content);
+    MakeFile(directory / "a.ini", GetParam().content);
     EXPECT_EQ(ReadValueOfKey(directory / "a.ini", GetParam().section, GetParam().key), GetParam().value);
-    EXPECT_EQ(ReadFileContent(directory / "a.ini"), GetParam().content);
+    EXPECT_EQ(FileContentIfAny(directory / "a.ini"), GetParam().content);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, ReadValueOfKeyTable, testing::ValuesIn(kReadCases),
@@ -95,7 +95,7 @@ TEST_P(KeyNotFound, Throws)
 {
     const TempDirectory directory;
     const std::string file = directory / "a.ini";
-    WriteFileContent(file, GetParam().content);
+    MakeFile(file, GetParam().content);
     const std::size_t handles = HandleCount();
     ExpectThrowsText<KeyNotFoundException>([&] { ReadValueOfKey(file, GetParam().section, GetParam().key); },
                                            "The key " + GetParam().key + " was not found in section " +
@@ -132,7 +132,7 @@ TEST(ReadValueOfKey, SaysWhichFileCannotBeOpened)
     ExpectPlainError(directory.Path(), "A", "Failed to open " + directory.Path());
     const std::ofstream writer = KelInsIO::GetOutputFileStream(directory / "a.ini", std::ios_base::out);
     ExpectPlainError(directory / "a.ini", "A", "Failed to open " + (directory / "a.ini"));
-    WriteFileContent(directory / "b.ini", "[S]\r\nA=1\r\n");
+    MakeFile(directory / "b.ini", "[S]\r\nA=1\r\n");
     const std::string withNul = (directory / "b.ini") + std::string(1, '\0');
     ExpectPlainError(withNul, "A", ("Failed to open " + withNul).c_str());
 }
@@ -140,7 +140,7 @@ TEST(ReadValueOfKey, SaysWhichFileCannotBeOpened)
 TEST(ReadValueOfKey, ReadsReadOnlyFiles)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.ini", "A=1");
+    MakeFile(directory / "a.ini", "A=1");
     ASSERT_TRUE(KelInsIO::SetReadOnly(directory / "a.ini", true));
     EXPECT_EQ(ReadValueOfKey(directory / "a.ini", "", "A"), "1");
     EXPECT_TRUE(IsReadOnly(directory / "a.ini"));
@@ -164,7 +164,7 @@ TEST(ReadValueOfKey, ReadsHugeLines)
 {
     const TempDirectory directory;
     const std::string huge(5'000'000, 'x');
-    WriteFileContent(directory / "a.ini", huge + "\r\nA=" + huge + "\r\nB=2\r\n");
+    MakeFile(directory / "a.ini", huge + "\r\nA=" + huge + "\r\nB=2\r\n");
     EXPECT_TRUE(ReadValueOfKey(directory / "a.ini", "", "A") == huge);
     EXPECT_EQ(ReadValueOfKey(directory / "a.ini", "", "B"), "2");
 }
@@ -172,7 +172,7 @@ TEST(ReadValueOfKey, ReadsHugeLines)
 TEST(ReadValueOfKey, StopsAtTheFirstMatch)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.ini", "A=1\r\n" + std::string(1'000'000, 'x'));
+    MakeFile(directory / "a.ini", "A=1\r\n" + std::string(1'000'000, 'x'));
     const ImportHook<int(int, void*, unsigned)> hook("_read", {L"libstdc++-6.dll"});
     EXPECT_EQ(ReadValueOfKey(directory / "a.ini", "", "A"), "1");
     EXPECT_EQ(hook.Calls().size(), 1u);
@@ -181,7 +181,7 @@ TEST(ReadValueOfKey, StopsAtTheFirstMatch)
 TEST(ReadValueOfKey, GivesItsHandleBack)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.ini", "A=1\r\n");
+    MakeFile(directory / "a.ini", "A=1\r\n");
     const std::size_t handles = HandleCount();
     for (int i = 0; i < 100; ++i)
         ReadValueOfKey(directory / "a.ini", "", "A");
@@ -192,7 +192,7 @@ TEST(ReadValueOfKey, MayReadOneFileFromSeveralThreads)
 {
     const TempDirectory directory;
     const std::string file = directory / "a.ini";
-    WriteFileContent(file, "[S]\r\nA=1\r\n");
+    MakeFile(file, "[S]\r\nA=1\r\n");
     std::vector<int> found(4);
     {
         std::vector<std::jthread> threads;

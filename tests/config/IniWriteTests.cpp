@@ -1,5 +1,5 @@
 #include "tests/support/ExpectThrowsText.h"
-#include "tests/support/FileContent.h"
+#include "tests/support/Files.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/TempDirectory.h"
 #include <KelInsInfra/config/KelInsIniFile.h>
@@ -77,10 +77,10 @@ TEST_P(WriteTable, GivesTheFile)
     const TempDirectory directory;
     const std::string file = directory / "a.ini";
     const WriteCase& c = GetParam();
-    WriteFileContent(file, c.content);
+    MakeFile(file, c.content);
     Write(file, c.section, "PATH", c.value, c.where, ';', c.shellExport);
-    EXPECT_EQ(ReadFileContent(file), c.result);
-    EXPECT_EQ(ReadFileContent(file + "_TmpIniW"), "(no file)");
+    EXPECT_EQ(FileContentIfAny(file), c.result);
+    EXPECT_EQ(FileContentIfAny(file + "_TmpIniW"), "(no file)");
     EXPECT_FALSE(IsReadOnly(file));
 }
 
@@ -93,11 +93,11 @@ TEST(Write, CreatesTheFileAndItsDirectories)
 {
     const TempDirectory directory;
     WriteKey(directory / R"(new\deeper\a.ini)", "S", "K", "v");
-    EXPECT_EQ(ReadFileContent(directory / R"(new\deeper\a.ini)"), "[S]\r\nK=v\r\n");
+    EXPECT_EQ(FileContentIfAny(directory / R"(new\deeper\a.ini)"), "[S]\r\nK=v\r\n");
     WriteKey(directory / "b.ini", "", "K", "v");
-    EXPECT_EQ(ReadFileContent(directory / "b.ini"), "K=v\r\n");
+    EXPECT_EQ(FileContentIfAny(directory / "b.ini"), "K=v\r\n");
     WriteShell(directory / "c.sh", "K", "v");
-    EXPECT_EQ(ReadFileContent(directory / "c.sh"), "K=v\r\nexport K\r\n");
+    EXPECT_EQ(FileContentIfAny(directory / "c.sh"), "K=v\r\nexport K\r\n");
 }
 
 std::string Numbered(char letter, int number)
@@ -120,29 +120,29 @@ TEST(Write, KeepsAReadOnlyFileReadOnly)
 {
     const TempDirectory directory;
     const std::string file = directory / "a.ini";
-    WriteFileContent(file, "K=1\r\n");
+    MakeFile(file, "K=1\r\n");
     ASSERT_TRUE(KelInsIO::SetReadOnly(file, true));
     WriteKey(file, "", "K", "2");
-    EXPECT_EQ(ReadFileContent(file), "K=2\r\n");
+    EXPECT_EQ(FileContentIfAny(file), "K=2\r\n");
     EXPECT_TRUE(IsReadOnly(file));
-    EXPECT_EQ(ReadFileContent(file + "_TmpIniW"), "(no file)");
+    EXPECT_EQ(FileContentIfAny(file + "_TmpIniW"), "(no file)");
 }
 
 TEST(Write, ShortensAFile)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.ini", "K=" + std::string(200'000, 'x') + "\r\nL=1\r\n");
+    MakeFile(directory / "a.ini", "K=" + std::string(200'000, 'x') + "\r\nL=1\r\n");
     WriteKey(directory / "a.ini", "", "K", "");
-    EXPECT_EQ(ReadFileContent(directory / "a.ini"), "K=\r\nL=1\r\n");
+    EXPECT_EQ(FileContentIfAny(directory / "a.ini"), "K=\r\nL=1\r\n");
 }
 
 TEST(Write, KeepsHugeLines)
 {
     const TempDirectory directory;
     const std::string huge(3'000'000, 'x');
-    WriteFileContent(directory / "a.ini", huge + "\nK=" + huge);
+    MakeFile(directory / "a.ini", huge + "\nK=" + huge);
     Write(directory / "a.ini", "", "K", huge, Where::Append, ',', false);
-    EXPECT_TRUE(ReadFileContent(directory / "a.ini") == huge + "\r\nK=" + huge + ',' + huge + "\r\n");
+    EXPECT_TRUE(FileContentIfAny(directory / "a.ini") == huge + "\r\nK=" + huge + ',' + huge + "\r\n");
 }
 
 TEST(Write, WorksUnderNamesOfAnyScriptAndWithSlashes)
@@ -151,7 +151,7 @@ TEST(Write, WorksUnderNamesOfAnyScriptAndWithSlashes)
     const std::string file = directory / "gr\xC3\xBC\xC3\x9F\\\xE6\x97\xA5.ini";
     WriteKey(KelInsIO::Path::Slashify(file), "", "K", "1");
     WriteKey(KelInsIO::Path::Slashify(file), "", "L", "2");
-    EXPECT_EQ(ReadFileContent(file), "K=1\r\nL=2\r\n");
+    EXPECT_EQ(FileContentIfAny(file), "K=1\r\nL=2\r\n");
 }
 
 TEST(Write, WorksUnderLongNames)
@@ -201,11 +201,11 @@ TEST(Write, ABareNameServesOnlyWhereItExists)
     const CurrentDirectoryGuard current(directory.Path());
     ExpectThrowsText<std::runtime_error>([] { WriteKey("a.ini", "", "K", "1"); }, "CreateDir - empty path\n");
     EXPECT_TRUE(std::filesystem::is_empty(directory.Path()));
-    WriteFileContent("a.ini", "K=1\r\n");
+    MakeFile("a.ini", "K=1\r\n");
     WriteKey("a.ini", "", "K", "2");
-    EXPECT_EQ(ReadFileContent(directory / "a.ini"), "K=2\r\n");
+    EXPECT_EQ(FileContentIfAny(directory / "a.ini"), "K=2\r\n");
     WriteKey("sub\\b.ini", "", "K", "3");
-    EXPECT_EQ(ReadFileContent(directory / "sub\\b.ini"), "K=3\r\n");
+    EXPECT_EQ(FileContentIfAny(directory / "sub\\b.ini"), "K=3\r\n");
 }
 
 // --- refusals
@@ -223,7 +223,7 @@ TEST(Write, RefusesAFileThatIsBeingWritten)
     const std::string file = directory / "a.ini";
     std::ofstream writer = KelInsIO::GetOutputFileStream(file, std::ios_base::out);
     ExpectThrowsText<std::runtime_error>([&] { WriteKey(file, "S", "K", "v"); }, "Failed to open " + file);
-    EXPECT_EQ(ReadFileContent(file + "_TmpIniW"), "(no file)");
+    EXPECT_EQ(FileContentIfAny(file + "_TmpIniW"), "(no file)");
 }
 
 TEST(Write, LeavesAMalformedShellFileUntouched)
@@ -231,12 +231,12 @@ TEST(Write, LeavesAMalformedShellFileUntouched)
     const TempDirectory directory;
     const std::string file = directory / "a.sh";
     const auto expectRefusal = [&](const std::string& content, const std::string& text) {
-        WriteFileContent(file, content);
+        MakeFile(file, content);
         KelInsIO::SetReadOnly(file, true);
         ExpectThrowsText<std::runtime_error>([&] { WriteShell(file, "K", "2"); }, file + text);
-        EXPECT_EQ(ReadFileContent(file), content);
+        EXPECT_EQ(FileContentIfAny(file), content);
         EXPECT_TRUE(IsReadOnly(file));
-        EXPECT_EQ(ReadFileContent(file + "_TmpIniW"), "(no file)");
+        EXPECT_EQ(FileContentIfAny(file + "_TmpIniW"), "(no file)");
         KelInsIO::SetReadOnly(file, false);
     };
     expectRefusal("A=1\nK=1\n", R"(: bad format: missing "export K" at the end.)");
@@ -246,7 +246,7 @@ TEST(Write, LeavesAMalformedShellFileUntouched)
 TEST(Write, ReportsADirectoryThatCannotBeMade)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "file", "x");
+    MakeFile(directory / "file", "x");
     ExpectThrowsText<std::runtime_error>([&] { WriteKey(directory / R"(file\a.ini)", "S", "K", "v"); },
                                          "CreateDir - " + (directory / "file") + " is not a directory.\n");
 }
@@ -260,7 +260,7 @@ TEST(Write, CannotReplaceADirectory)
                                                                                     KelInsSys::GetErrnoMessage(EACCES) +
                                                                                     "\n");
     EXPECT_TRUE(KelInsIO::IsDirectory(name));
-    EXPECT_EQ(ReadFileContent(name + "_TmpIniW"), "K=v\r\n");
+    EXPECT_EQ(FileContentIfAny(name + "_TmpIniW"), "K=v\r\n");
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // How ReplaceInLines and Write rewrite a file, with each of their system calls failing once. Both must leave, whatever
 // fails, the old content or the whole new one: in the file, or in the temporary file beside it.
 
-#include "tests/support/FileContent.h"
+#include "tests/support/Files.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/TempDirectory.h"
@@ -75,8 +75,10 @@ public:
     explicit Scene(const Rewriter& rewriter) : rewriter_(rewriter)
     {
         Rewrite(directory_ / "earlier", "K=old"); // what the system opens, and looks up, once for good
-        WriteFileContent(File(), Old());
+        MakeFile(File(), Old());
     }
+
+    [[nodiscard]] std::string Directory() const { return directory_.Path(); }
 
     [[nodiscard]] std::string File() const { return directory_ / "file"; }
 
@@ -105,7 +107,7 @@ public:
     /// In words, so that a failure can be read: the files are large.
     [[nodiscard]] std::string StateOf(const std::string& file) const
     {
-        const std::string content = ReadFileContent(file);
+        const std::string content = FileContentIfAny(file);
         if (content == "(no file)")
             return "missing";
         return content == Old() ? "old" : content == New() ? "new" : std::to_string(content.size()) + " bytes";
@@ -114,7 +116,7 @@ public:
 private:
     void Rewrite(const std::string& file, const std::string& content) const
     {
-        WriteFileContent(file, content);
+        MakeFile(file, content);
         KelInsIO::SetReadOnly(file, true);
         rewriter_.rewrite(file);
         KelInsIO::SetReadOnly(file, false);
@@ -132,7 +134,7 @@ class Leftover : public testing::TestWithParam<Rewriter>
 TEST_P(Leftover, IsReplaced)
 {
     const Scene scene(GetParam());
-    WriteFileContent(scene.Temporary(), std::string(1'000'000, 'x'));
+    MakeFile(scene.Temporary(), std::string(1'000'000, 'x'));
     EXPECT_EQ(scene.Rewrite(), "");
     EXPECT_EQ(scene.StateOf(scene.File()), "new");
     EXPECT_EQ(scene.StateOf(scene.Temporary()), "missing");
@@ -142,11 +144,11 @@ TEST_P(Leftover, ThatIsALinkIsNotWrittenThrough)
 {
     const Scene scene(GetParam());
     const std::string victim = scene.File() + "_victim";
-    WriteFileContent(victim, "precious");
+    MakeFile(victim, "precious");
     std::filesystem::create_hard_link(victim, scene.Temporary());
     EXPECT_EQ(scene.Rewrite(), "");
     EXPECT_EQ(scene.StateOf(scene.File()), "new");
-    EXPECT_EQ(ReadFileContent(victim), "precious");
+    EXPECT_EQ(FileContentIfAny(victim), "precious");
 }
 
 TEST_P(Leftover, ThatIsALinkToTheFileItselfIsRemoved)
@@ -162,10 +164,10 @@ TEST_P(Leftover, ThatIsADirectoryIsLeftAlone)
 {
     const Scene scene(GetParam());
     KelInsIO::CreateDir(scene.Temporary());
-    WriteFileContent(scene.Temporary() + "\\inside", "precious");
+    MakeFile(scene.Temporary() + "\\inside", "precious");
     EXPECT_EQ(scene.Rewrite(), scene.Framed("Failed to open " + scene.Temporary()));
     EXPECT_EQ(scene.StateOf(scene.File()), "old");
-    EXPECT_EQ(ReadFileContent(scene.Temporary() + "\\inside"), "precious");
+    EXPECT_EQ(FileContentIfAny(scene.Temporary() + "\\inside"), "precious");
 }
 
 TEST_P(Leftover, ThatIsAnEmptyDirectoryIsLeftAlone)
@@ -231,6 +233,7 @@ enum class Text // of the exception; File and Temporary stand for the names
     FailedToWriteTemporary,
     FailedToWriteFile,
     CannotAskTypeOfTemporary, // the rest are Copy's
+    CannotCreateDirectory,    // taken as missing
     CannotStatTemporary,
     CannotReadTemporary,
     CannotOpenFile,
@@ -267,6 +270,9 @@ std::string TextOf(Text text, const Scene& scene)
         return scene.Framed("Failed to write " + scene.File());
     case Text::CannotAskTypeOfTemporary:
         return "GetType - " + scene.Temporary() + " - " + KelInsSys::GetLastErrorMessage(ERROR_ACCESS_DENIED) + "\n";
+    case Text::CannotCreateDirectory:
+        return "CreateDirectory - " + scene.Directory() + " - " + KelInsSys::GetLastErrorMessage(ERROR_ALREADY_EXISTS) +
+               "\n";
     case Text::CannotStatTemporary:
         return "Cannot stat " + scene.Temporary() + errnoText(ENOENT);
     case Text::CannotReadTemporary:
@@ -354,8 +360,8 @@ std::vector<FailureCase> FailureCases()
         // the copy
         {"TypeOfTemporary", [](auto& r) { return FailAttributes(r, 2); }, Text::CannotAskTypeOfTemporary, "old", "new",
          false},
-        {"RecordOfDirectory", [](auto&) { return FailNth<StatHook>("_wstat64", 1, -1, Errno(ENOENT)); }, Text::None,
-         "new", "missing", true},
+        {"RecordOfDirectory", [](auto&) { return FailNth<StatHook>("_wstat64", 1, -1, Errno(ENOENT)); },
+         Text::CannotCreateDirectory, "old", "new", false},
         {"RecordOfTemporary", [](auto&) { return FailNth<StatHook>("_wstat64", 2, -1, Errno(ENOENT)); },
          Text::CannotStatTemporary, "old", "new", false},
         {"IdentityOfTemporary",
@@ -450,7 +456,7 @@ TEST_P(RewriteProtocol, NoticesAShortWriteOfTheCopy)
     Failure hook = CopyShort(1);
     EXPECT_EQ(scene.Rewrite(), scene.Framed("Failed to write " + scene.File()));
     hook.reset();
-    EXPECT_EQ(ReadFileContent(scene.File()).size(), scene.New().size() - 32768);
+    EXPECT_EQ(FileContentIfAny(scene.File()).size(), scene.New().size() - 32768);
     EXPECT_EQ(scene.StateOf(scene.Temporary()), "new");
 }
 

@@ -1,4 +1,4 @@
-#include "tests/support/FileContent.h"
+#include "tests/support/Files.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/TempDirectory.h"
@@ -51,7 +51,7 @@ std::string Exercise(std::filebuf& buffer, const std::string& path)
         read.resize(static_cast<std::size_t>(buffer.sgetn(read.data(), 16)));
         log << ", reads \"" << read << "\", closed " << (buffer.close() != nullptr);
     }
-    log << ", holds \"" << ReadFileContent(path) << '"';
+    log << ", holds \"" << FileContentIfAny(path) << '"';
     return log.str();
 }
 
@@ -81,17 +81,17 @@ std::vector<OpenModeCase> AllOpenModes()
 class OpenMode : public testing::TestWithParam<OpenModeCase>
 {
 protected:
-    std::string MakeFile(const std::string& name) const
+    std::string MakeCaseFile(const std::string& name) const
     {
         const std::string path = directory_ / name;
         if (GetParam().exists)
-            WriteFileContent(path, "0123456");
+            MakeFile(path, "0123456");
         return path;
     }
 
     std::string Expected(Mode added) const
     {
-        const std::string path = MakeFile("expected");
+        const std::string path = MakeCaseFile("expected");
         std::filebuf buffer;
         buffer.open(Native(path), GetParam().mode | added | kBinary);
         return Exercise(buffer, path);
@@ -102,7 +102,7 @@ protected:
 
 TEST_P(OpenMode, OfAnInputStreamIsTheStandards)
 {
-    const std::string path = MakeFile("actual");
+    const std::string path = MakeCaseFile("actual");
     std::ifstream stream = GetInputFileStream(path, GetParam().mode);
     EXPECT_EQ(stream.rdstate(), stream.is_open() ? std::ios_base::goodbit : std::ios_base::failbit);
     EXPECT_EQ(Exercise(*stream.rdbuf(), path), Expected(kIn));
@@ -110,7 +110,7 @@ TEST_P(OpenMode, OfAnInputStreamIsTheStandards)
 
 TEST_P(OpenMode, OfAnOutputStreamIsTheStandards)
 {
-    const std::string path = MakeFile("actual");
+    const std::string path = MakeCaseFile("actual");
     std::ofstream stream = GetOutputFileStream(path, GetParam().mode);
     EXPECT_EQ(stream.rdstate(), stream.is_open() ? std::ios_base::goodbit : std::ios_base::failbit);
     EXPECT_EQ(Exercise(*stream.rdbuf(), path), Expected(kOut));
@@ -146,11 +146,11 @@ class OutputMode : public testing::TestWithParam<LiteralModeCase>
 TEST_P(OutputMode, LeavesContent)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "existing", "old");
+    MakeFile(directory / "existing", "old");
     for (const char* name : {"existing", "missing"})
         GetOutputFileStream(directory / name, GetParam().mode) << "N";
-    EXPECT_EQ(ReadFileContent(directory / "existing"), GetParam().existing);
-    EXPECT_EQ(ReadFileContent(directory / "missing"), GetParam().missing);
+    EXPECT_EQ(FileContentIfAny(directory / "existing"), GetParam().existing);
+    EXPECT_EQ(FileContentIfAny(directory / "missing"), GetParam().missing);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, OutputMode, testing::ValuesIn(kLiteralModes),
@@ -159,11 +159,11 @@ INSTANTIATE_TEST_SUITE_P(Table, OutputMode, testing::ValuesIn(kLiteralModes),
 TEST(FileStreams, AnUnknownModeBitIsRefused)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "old");
+    MakeFile(directory / "a", "old");
     const auto unknown = static_cast<Mode>(1 << 12);
     EXPECT_TRUE(GetInputFileStream(directory / "a", unknown).fail());
     EXPECT_TRUE(GetOutputFileStream(directory / "a", unknown).fail());
-    EXPECT_EQ(ReadFileContent(directory / "a"), "old");
+    EXPECT_EQ(FileContentIfAny(directory / "a"), "old");
 }
 
 // --- content
@@ -173,7 +173,7 @@ TEST(FileStreams, AreBinary)
     const TempDirectory directory;
     const std::string bytes = "\r\n\n\r\x1A\0\xFF\r\n"s;
     GetOutputFileStream(directory / "a", kOut) << bytes;
-    EXPECT_EQ(ReadFileContent(directory / "a"), bytes);
+    EXPECT_EQ(FileContentIfAny(directory / "a"), bytes);
     std::ifstream stream = GetInputFileStream(directory / "a", kIn);
     EXPECT_EQ(KelInsIO::InputStreamToString(stream), bytes);
 }
@@ -224,7 +224,7 @@ TEST(FileStreams, SeekAndTell)
 {
     const TempDirectory directory;
     const std::string bytes = ManyBytes(300'000);
-    WriteFileContent(directory / "a", bytes);
+    MakeFile(directory / "a", bytes);
     std::ifstream input = GetInputFileStream(directory / "a", kIn);
     EXPECT_EQ(input.tellg(), std::streampos(0));
     std::uint32_t position = 0;
@@ -244,14 +244,14 @@ TEST(FileStreams, SeekAndTell)
     output.seekp(0, std::ios_base::end);
     output << "end";
     output.close();
-    EXPECT_EQ(ReadFileContent(directory / "b"), "0123xx6789end");
+    EXPECT_EQ(FileContentIfAny(directory / "b"), "0123xx6789end");
 }
 
 TEST(FileStreams, UngetWorksAcrossTheBuffersEdge)
 {
     const TempDirectory directory;
     const std::string bytes = ManyBytes(70'000);
-    WriteFileContent(directory / "a", bytes);
+    MakeFile(directory / "a", bytes);
     std::ifstream input = GetInputFileStream(directory / "a", kIn);
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         ASSERT_EQ(input.get(), static_cast<unsigned char>(bytes[i]));
@@ -263,7 +263,7 @@ TEST(FileStreams, UngetWorksAcrossTheBuffersEdge)
 TEST(FileStreams, AtTheEndOfAFile)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "abc");
+    MakeFile(directory / "a", "abc");
     std::ifstream stream = GetInputFileStream(directory / "a", kAte);
     EXPECT_EQ(stream.tellg(), std::streampos(3));
     EXPECT_EQ(stream.get(), EOF);
@@ -272,7 +272,7 @@ TEST(FileStreams, AtTheEndOfAFile)
 TEST(FileStreams, CanBeMovedAndOpenedAgain)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "one\r\ntwo\r\n");
+    MakeFile(directory / "a", "one\r\ntwo\r\n");
     std::ifstream first = GetInputFileStream(directory / "a", kIn);
     std::string line;
     KelInsIO::GetLine(first, line);
@@ -293,7 +293,7 @@ TEST(FileStreams, CloseGivesTheFileFree)
     output << "abc";
     output.close();
     EXPECT_TRUE(output.good());
-    EXPECT_EQ(ReadFileContent(directory / "a"), "abc");
+    EXPECT_EQ(FileContentIfAny(directory / "a"), "abc");
     EXPECT_TRUE(GetOutputFileStream(directory / "a", kOut).is_open());
     output.close();
     EXPECT_TRUE(output.fail()); // closing twice fails, as the standard says
@@ -314,7 +314,7 @@ TEST(FileStreams, AWriteErrorShows)
 TEST(FileStreams, AReadErrorShows)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "one\r\ntwo\r\n");
+    MakeFile(directory / "a", "one\r\ntwo\r\n");
     std::ifstream input = GetInputFileStream(directory / "a", kIn);
     ImportHook<int(int, void*, unsigned)> hook("_read", {kStandardLibrary});
     hook.FailFrom(1, -1, Errno(EIO));
@@ -329,13 +329,13 @@ TEST(FileStreams, AReadErrorShows)
 TEST(FileStreams, AFileBeingReadMayBeReadButNotWritten)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "old");
+    MakeFile(directory / "a", "old");
     const std::ifstream input = GetInputFileStream(directory / "a", kIn);
     ASSERT_TRUE(input.is_open());
     EXPECT_TRUE(GetInputFileStream(directory / "a", kIn).is_open());
     EXPECT_FALSE(GetOutputFileStream(directory / "a", kOut).is_open());
     EXPECT_FALSE(std::ofstream(Native(directory / "a")).is_open());
-    EXPECT_EQ(ReadFileContent(directory / "a"), "old");
+    EXPECT_EQ(FileContentIfAny(directory / "a"), "old");
 }
 
 TEST(FileStreams, AFileBeingWrittenMayBeReadButNotWritten)
@@ -346,7 +346,7 @@ TEST(FileStreams, AFileBeingWrittenMayBeReadButNotWritten)
     EXPECT_FALSE(GetOutputFileStream(directory / "a", kApp).is_open());
     EXPECT_FALSE(std::ofstream(Native(directory / "a"), kApp).is_open());
     EXPECT_FALSE(GetInputFileStream(directory / "a", kIn).is_open()); // would not let the present writer write
-    EXPECT_EQ(ReadFileContent(directory / "a"), "abc");
+    EXPECT_EQ(FileContentIfAny(directory / "a"), "abc");
 }
 
 TEST(FileStreams, ChildProcessesDoNotInheritTheFile)
@@ -374,7 +374,7 @@ TEST(FileStreams, TakeAPathOrItsText)
     const TempDirectory directory;
     const std::string untidy = '"' + KelInsIO::Path::Slashify(directory.Path()) + "//gr\xC3\xBC\xC3\x9F.txt\"";
     GetOutputFileStream(untidy, kOut) << "text";
-    EXPECT_EQ(ReadFileContent(directory / "gr\xC3\xBC\xC3\x9F.txt"), "text");
+    EXPECT_EQ(FileContentIfAny(directory / "gr\xC3\xBC\xC3\x9F.txt"), "text");
     std::string word;
     GetInputFileStream(KelInsIO::Path(untidy), kIn) >> word;
     EXPECT_EQ(word, "text");
@@ -421,14 +421,14 @@ TEST(FileStreams, OpenTheExtendedLengthNameDenyingWriters)
 TEST(FileStreams, ANulInThePathIsRefused)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "old");
+    MakeFile(directory / "a", "old");
     const std::string path = (directory / "a") + "\0b"s;
     EXPECT_TRUE(GetInputFileStream(path, kIn).fail());
     EXPECT_TRUE(GetOutputFileStream(path, kOut).fail());
     EXPECT_TRUE(GetInputFileStream(KelInsIO::Path(path), kIn).fail());
     EXPECT_TRUE(GetOutputFileStream((directory / "new") + "\0"s, kOut).fail());
-    EXPECT_EQ(ReadFileContent(directory / "a"), "old");
-    EXPECT_EQ(ReadFileContent(directory / "new"), "(no file)");
+    EXPECT_EQ(FileContentIfAny(directory / "a"), "old");
+    EXPECT_EQ(FileContentIfAny(directory / "new"), "(no file)");
 }
 
 struct BadNameCase
@@ -448,7 +448,7 @@ class UnopenableName : public testing::TestWithParam<BadNameCase>
 TEST_P(UnopenableName, LeavesTheStreamFailed)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "old");
+    MakeFile(directory / "a", "old");
     const std::string path = GetParam().name == nullptr ? "" : directory / GetParam().name;
     const std::size_t handles = HandleCount();
     std::ifstream input = GetInputFileStream(path, kIn);
@@ -466,7 +466,7 @@ INSTANTIATE_TEST_SUITE_P(Table, UnopenableName, testing::ValuesIn(kBadNames),
 TEST(FileStreams, AReadOnlyFileIsNotOpenedForWriting)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "old");
+    MakeFile(directory / "a", "old");
     ASSERT_TRUE(KelInsIO::SetReadOnly(directory / "a", true));
     EXPECT_TRUE(GetInputFileStream(directory / "a", kIn).is_open());
     if (!std::ofstream(Native(directory / "a"), kApp).is_open()) { // an administrator may be let through
@@ -479,7 +479,7 @@ TEST(FileStreams, AReadOnlyFileIsNotOpenedForWriting)
 TEST(FileStreams, NothingStaysOpenWhenTheOpenFails)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "old");
+    MakeFile(directory / "a", "old");
     GetInputFileStream(directory / "a", kIn);
     const std::size_t handles = HandleCount();
     ImportHook<int(int*, const wchar_t*, int, int, int)> hook("_wsopen_s");
@@ -493,7 +493,7 @@ TEST(FileStreams, NothingStaysOpenWhenTheOpenFails)
 TEST(FileStreams, NothingStaysOpenWhenTheRuntimeRefusesTheDescriptor)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "old");
+    MakeFile(directory / "a", "old");
     GetInputFileStream(directory / "a", kIn);
     const std::size_t handles = HandleCount();
     ImportHook<void*(int, const char*)> hook("_fdopen", {kStandardLibrary});
@@ -507,7 +507,7 @@ TEST(FileStreams, NothingStaysOpenWhenTheRuntimeRefusesTheDescriptor)
 TEST(FileStreams, NothingStaysOpenWhenTheEndCannotBeFound)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "old");
+    MakeFile(directory / "a", "old");
     GetInputFileStream(directory / "a", kIn);
     const std::size_t handles = HandleCount();
     ImportHook<std::int64_t(int, std::int64_t, int)> hook("_lseeki64", {kStandardLibrary});
@@ -527,7 +527,7 @@ void* AllocateSmall(std::size_t size)
 TEST(FileStreams, NothingStaysOpenWithoutMemoryForTheBuffer)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a", "old");
+    MakeFile(directory / "a", "old");
     GetInputFileStream(directory / "a", kIn);
     const std::size_t handles = HandleCount();
     {

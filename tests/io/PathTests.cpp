@@ -35,9 +35,16 @@ constexpr SpellingCase kSpellings[] = {
     {"QuoteAtEndOnly", R"(a")", R"(a")", ""},
     {"QuotesInside", R"(a"b"c)", R"(a"b"c)", ""},
     {"QuotesBeforeSlashes", R"("a"/)", R"("a")", ""}, // the pair is looked for before separators are removed
-    {"EnclosedInBackslashes", R"(\a\)", "a", ""},
-    {"EnclosedInSlashes", "/a/", R"(\a)", ""}, // slashes are no enclosing pair
-    {"Apostrophes", "'a'", "'a'", ""},
+    {"EnclosedInBackslashes", R"(\a\)", R"(\a)", ""},
+    {"EnclosedInSlashes", "/a/", R"(\a)", ""},
+    {"Apostrophes", "'C:/a b/'", R"(C:\a b)", "C:"},
+    {"OneApostrophe", "'", "", ""},
+    {"TwoApostrophes", "''", "", ""},
+    {"OnlyOneApostrophePair", "''a''", "'a'", ""},
+    {"ApostropheInFrontOnly", "'a", "'a", ""},
+    {"QuotesInApostrophes", "'\"a\"'", "\"a\"", ""},
+    {"ApostrophesInQuotes", "\"'a'\"", "'a'", ""},
+    {"MixedPair", "\"a'", "\"a'", ""},
 
     // separators
     {"Slashes", "a/b/c", R"(a\b\c)", ""},

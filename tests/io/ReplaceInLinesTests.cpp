@@ -1,5 +1,5 @@
 #include "tests/support/ExpectThrowsText.h"
-#include "tests/support/FileContent.h"
+#include "tests/support/Files.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/TempDirectory.h"
 #include <KelInsInfra/io/KelInsIO.h>
@@ -13,60 +13,60 @@ using KelInsIO::ReplaceInLines;
 TEST(ReplaceInLines, RewritesLfAsCrLfWithoutFinalLineEnd)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.txt", "one\ntwo one\n\nthree\n");
+    MakeFile(directory / "a.txt", "one\ntwo one\n\nthree\n");
     EXPECT_EQ(ReplaceInLines(directory / "a.txt", "one", "1"), 2);
-    EXPECT_EQ(ReadFileContent(directory / "a.txt"), "1\r\ntwo 1\r\n\r\nthree");
-    EXPECT_EQ(ReadFileContent(directory / "a.txt_TmpRIL"), "(no file)");
+    EXPECT_EQ(FileContentIfAny(directory / "a.txt"), "1\r\ntwo 1\r\n\r\nthree");
+    EXPECT_EQ(FileContentIfAny(directory / "a.txt_TmpRIL"), "(no file)");
 }
 
 TEST(ReplaceInLines, RewritesEvenWhereNothingIsFound)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.txt", "one\ntwo\n");
+    MakeFile(directory / "a.txt", "one\ntwo\n");
     EXPECT_EQ(ReplaceInLines(directory / "a.txt", "three", "3"), 0);
-    EXPECT_EQ(ReadFileContent(directory / "a.txt"), "one\r\ntwo");
+    EXPECT_EQ(FileContentIfAny(directory / "a.txt"), "one\r\ntwo");
 }
 
 TEST(ReplaceInLines, NeverFindsATextThatSpansALineEnd)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.txt", "one\r\ntwo\r\n");
+    MakeFile(directory / "a.txt", "one\r\ntwo\r\n");
     EXPECT_EQ(ReplaceInLines(directory / "a.txt", "one\r\ntwo", "x"), 0);
     EXPECT_EQ(ReplaceInLines(directory / "a.txt", "e\nt", "x"), 0);
-    EXPECT_EQ(ReadFileContent(directory / "a.txt"), "one\r\ntwo");
+    EXPECT_EQ(FileContentIfAny(directory / "a.txt"), "one\r\ntwo");
 }
 
 TEST(ReplaceInLines, LeavesAnEmptyFileEmpty)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.txt", "");
+    MakeFile(directory / "a.txt", "");
     EXPECT_EQ(ReplaceInLines(directory / "a.txt", "x", "y"), 0);
-    EXPECT_EQ(ReadFileContent(directory / "a.txt"), "");
+    EXPECT_EQ(FileContentIfAny(directory / "a.txt"), "");
 }
 
 TEST(ReplaceInLines, MayShortenAFileToNothing)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.txt", "xx");
+    MakeFile(directory / "a.txt", "xx");
     EXPECT_EQ(ReplaceInLines(directory / "a.txt", "x", ""), 2);
-    EXPECT_EQ(ReadFileContent(directory / "a.txt"), "");
+    EXPECT_EQ(FileContentIfAny(directory / "a.txt"), "");
 }
 
 TEST(ReplaceInLines, RewritesAReadOnlyFileAndLeavesItReadOnly)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.txt", "one");
+    MakeFile(directory / "a.txt", "one");
     ASSERT_TRUE(KelInsIO::SetReadOnly(directory / "a.txt", true));
     EXPECT_EQ(ReplaceInLines(directory / "a.txt", "one", "1"), 1);
-    EXPECT_EQ(ReadFileContent(directory / "a.txt"), "1");
+    EXPECT_EQ(FileContentIfAny(directory / "a.txt"), "1");
     EXPECT_TRUE(IsReadOnly(directory / "a.txt"));
-    EXPECT_EQ(ReadFileContent(directory / "a.txt_TmpRIL"), "(no file)");
+    EXPECT_EQ(FileContentIfAny(directory / "a.txt_TmpRIL"), "(no file)");
 }
 
 TEST(ReplaceInLines, LeavesAWritableFileWritable)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.txt", "one");
+    MakeFile(directory / "a.txt", "one");
     ReplaceInLines(directory / "a.txt", "one", "1");
     EXPECT_FALSE(IsReadOnly(directory / "a.txt"));
 }
@@ -82,11 +82,11 @@ TEST(ReplaceInLines, AnEmptyFileNameIsRefusedFirst)
 TEST(ReplaceInLines, AnEmptySearchTextDoesNotTouchTheFile)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.txt", "one\ntwo\n");
+    MakeFile(directory / "a.txt", "one\ntwo\n");
     EXPECT_EQ(ReplaceInLines(directory / "a.txt", "", "b"), 0);
-    EXPECT_EQ(ReadFileContent(directory / "a.txt"), "one\ntwo\n");
+    EXPECT_EQ(FileContentIfAny(directory / "a.txt"), "one\ntwo\n");
     EXPECT_EQ(ReplaceInLines(directory / "missing", "", "b"), 0);
-    EXPECT_EQ(ReadFileContent(directory / "missing"), "(no file)");
+    EXPECT_EQ(FileContentIfAny(directory / "missing"), "(no file)");
 }
 
 TEST(ReplaceInLines, AMissingFileIsRefusedUnderItsNormalisedName)
@@ -113,9 +113,9 @@ TEST(ReplaceInLines, SlashesAndNamesOutsideAsciiWork)
 {
     const TempDirectory directory;
     const std::string name = "gr\xC3\xBC\xC3\x9F \xE6\x97\xA5.txt";
-    WriteFileContent(directory / name, "\xC3\xBC");
+    MakeFile(directory / name, "\xC3\xBC");
     EXPECT_EQ(ReplaceInLines(KelInsIO::Path::Slashify(directory / name), "\xC3\xBC", "ue"), 1);
-    EXPECT_EQ(ReadFileContent(directory / name), "ue");
+    EXPECT_EQ(FileContentIfAny(directory / name), "ue");
 }
 
 TEST(ReplaceInLines, HandlesAFileOfManyMegabytes)
@@ -130,15 +130,15 @@ TEST(ReplaceInLines, HandlesAFileOfManyMegabytes)
     }
     content += std::string(2'000'000, 'a'); // one huge line
     expected += "\r\n" + std::string(2'000'000, 'a');
-    WriteFileContent(directory / "a.txt", content);
+    MakeFile(directory / "a.txt", content);
     EXPECT_EQ(ReplaceInLines(directory / "a.txt", "X", "why"), 600'000);
-    EXPECT_TRUE(ReadFileContent(directory / "a.txt") == expected);
+    EXPECT_TRUE(FileContentIfAny(directory / "a.txt") == expected);
 }
 
 TEST(ReplaceInLines, GivesItsHandlesBack)
 {
     const TempDirectory directory;
-    WriteFileContent(directory / "a.txt", "one");
+    MakeFile(directory / "a.txt", "one");
     ReplaceInLines(directory / "a.txt", "one", "1");
     const std::size_t handles = HandleCount();
     for (int i = 0; i < 50; ++i)

@@ -3,6 +3,7 @@
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/foundation/internal/UniqueHandle.h>
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 
 namespace {
@@ -82,6 +83,22 @@ void StartBelowWine(const std::wstring& program, std::wstring commandLine)
     ::CloseHandle(process.hProcess);
 }
 
+/// Reads a file that others may be writing.
+std::optional<std::string> ReadWhole(const std::string& path)
+{
+    const UniqueFileHandle file(::CreateFileW(KelInsString::Widen(path).c_str(), GENERIC_READ,
+                                              FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                              FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!file)
+        return std::nullopt;
+    std::string content;
+    std::vector<char> block(1u << 16);
+    DWORD count = 0;
+    while (::ReadFile(file.Get(), block.data(), static_cast<DWORD>(block.size()), &count, nullptr) && count != 0)
+        content.append(block.data(), count);
+    return content;
+}
+
 template <typename Condition>
 bool WaitFor(const Condition& condition)
 {
@@ -115,16 +132,21 @@ void MakeDirectories(const std::string& path)
 
 std::string FileContent(const std::string& path)
 {
-    const UniqueFileHandle file(::CreateFileW(KelInsString::Widen(path).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file)
+    const auto content = ReadWhole(path);
+    if (!content)
         Fail("cannot read " + path);
-    std::string content;
-    std::vector<char> block(1u << 16);
-    DWORD count = 0;
-    while (::ReadFile(file.Get(), block.data(), static_cast<DWORD>(block.size()), &count, nullptr) && count != 0)
-        content.append(block.data(), count);
-    return content;
+    return *content;
+}
+
+std::string FileContentIfAny(const std::string& path)
+{
+    return ReadWhole(path).value_or("(no file)");
+}
+
+bool IsReadOnly(const std::string& path)
+{
+    const DWORD attributes = ::GetFileAttributesW(KelInsString::Widen(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
 }
 
 std::vector<std::string> TreeNames(const std::string& directory)

@@ -14,6 +14,11 @@ void MakeDirectories(const std::string& path);
 /// @throws std::runtime_error  when the file cannot be read.
 std::string FileContent(const std::string& path);
 
+/// Likewise, but "(no file)" when it cannot be read.
+std::string FileContentIfAny(const std::string& path);
+
+bool IsReadOnly(const std::string& path);
+
 /// Everything below a directory, sorted: "a/", "a/b.txt", "c.txt". Directories end in '/'; links are not followed.
 std::vector<std::string> TreeNames(const std::string& directory);
 

@@ -1,0 +1,53 @@
+// Starting a child process and waiting for it, beside the plain system calls.
+
+#include <KelInsInfra/foundation/internal/WindowsApi.h>
+#include <KelInsInfra/system/ProcessBuilder.h>
+#include <benchmark/benchmark.h>
+#include <string>
+
+namespace {
+
+constexpr const char* kCommand = "cmd.exe /c exit 3";
+constexpr const wchar_t* kWideCommand = L"cmd.exe /c exit 3";
+constexpr std::int32_t kExitCode = 3;
+
+std::int32_t StartAndWait()
+{
+    KelInsSys::ProcessBuilder process(kCommand);
+    return process.Start(false) ? process.Wait() : -1;
+}
+
+std::int32_t StartAndWaitByHand()
+{
+    std::wstring command = kWideCommand;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    if (!::CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr, nullptr, &startup,
+                          &process))
+        return -1;
+    ::WaitForSingleObject(process.hProcess, INFINITE);
+    DWORD exitCode = 0;
+    ::GetExitCodeProcess(process.hProcess, &exitCode);
+    ::CloseHandle(process.hProcess);
+    ::CloseHandle(process.hThread);
+    return static_cast<std::int32_t>(exitCode);
+}
+
+void Register(const char* name, std::int32_t (*startAndWait)())
+{
+    const auto run = [startAndWait](benchmark::State& state) {
+        for (auto _ : state)
+            if (startAndWait() != kExitCode)
+                state.SkipWithError("the child did not run");
+    };
+    benchmark::RegisterBenchmark(name, run)->UseRealTime()->Unit(benchmark::kMillisecond);
+}
+
+const bool kRegistered = [] {
+    Register("process start and wait/KelInsInfra", StartAndWait);
+    Register("process start and wait/CreateProcessW and WaitForSingleObject", StartAndWaitByHand);
+    return true;
+}();
+
+} // namespace
