@@ -374,6 +374,14 @@ malformed_environment() {
         refused 1 'bad format: missing "export APP_LANGUAGES" at the end.' install "$(windows "$demo/small/cut")" "$(windows "$demo/small/new")"
 }
 
+names_in_two_cases() { # Windows does not tell them apart: the second must not overwrite the first
+    copy_of_small twins && mkdir "$demo/small/twins/sub" && touch "$demo/small/twins/sub/"{twin,TWIN}.txt || return 1
+    copy_of_small folders && mkdir "$demo/small/folders/"{twin,TWIN} || return 1
+    refused 1 "exists already." install "$(windows "$demo/small/twins")" "$(windows "$demo/small/new")" &&
+        says "Nothing was installed" &&
+        refused 1 "exists already." install "$(windows "$demo/small/folders")" "$(windows "$demo/small/new")"
+}
+
 failure_half_way() { # the system lets no file grow beyond 2 MiB: Copy fails in the middle of the payload
     copy_of_small large && head -c 3000000 /dev/zero >"$demo/small/large/z.bin" || return 1
     snapshot "$demo/small" >"$demo/before"
@@ -439,6 +447,7 @@ step "payloads: missing, a file, empty, incomplete, in the target" bad_payloads
 step "targets: filled, a file, below a file, installed, no drive" bad_targets
 step "not enough space" not_enough_space
 step "malformed start.env" malformed_environment
+step "names that differ only in case" names_in_two_cases
 step "a write error half-way is taken back" failure_half_way
 step "Ctrl+C half-way is taken back" interruption
 step "progress: a bar on a terminal, lines elsewhere" progress_display

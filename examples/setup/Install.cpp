@@ -113,11 +113,21 @@ std::vector<Payload::File> FilesInOrder(const Payload& payload)
     return files;
 }
 
+/// Whatever stands there already is not ours: another program was faster, or two names differ only in case.
+void ExpectFree(const std::string& path)
+{
+    if (KelInsIO::Exists(path))
+        throw std::runtime_error(path + " exists already.\nSee whether the payload has this name twice, with small and "
+                                        "capital letters, or whether another program writes there.");
+}
+
 void MakeDirectories(const Payload& payload, const std::string& target, Undo& undo, InstallListWriter& list)
 {
     for (const std::string& path : payload.directories) {
-        undo.WillMake(target + Path::Sep + path);
-        KelInsIO::CreateDir(target + Path::Sep + path);
+        const std::string destination = target + Path::Sep + path;
+        ExpectFree(destination);
+        undo.WillMake(destination);
+        KelInsIO::CreateDir(destination);
         list.AddDirectory(path);
     }
 }
@@ -127,6 +137,7 @@ void MakeFiles(const Payload& payload, const std::string& target, Undo& undo, In
     Progress progress("Copying", payload.files.size());
     for (const auto& [path, size] : FilesInOrder(payload)) {
         const std::string destination = target + Path::Sep + path;
+        ExpectFree(destination);
         undo.WillMake(destination);
         StageFile(payload.root + Path::Sep + path, size, destination);
         if (IsConfigured(path)) {
