@@ -78,14 +78,14 @@ Element& Element::operator=(Element&& other) noexcept
 }
 
 /// Releases the subtree node by node, where the members' own destructors would recurse once per level: the content of
-/// every element that nobody else holds joins the list of what is still to be released.
+/// every element that nobody else holds goes into the list of what is still to be released, in document order.
 Element::~Element()
 {
     while (!content_.empty()) {
         std::shared_ptr<Content>& node = content_.front();
         if (node.use_count() == 1 && node->GetType() == ContentElement) {
             std::atomic_thread_fence(std::memory_order_acquire); // see all that the last other owner did
-            content_.splice(content_.end(), static_cast<Element&>(*node).content_);
+            content_.splice(std::next(content_.begin()), static_cast<Element&>(*node).content_);
         }
         content_.pop_front();
     }

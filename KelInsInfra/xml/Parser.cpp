@@ -119,10 +119,10 @@ Parser::Parser(std::istream& input)
     input.seekg(0, std::ios_base::beg);
     if (size < 0 || !input)
         throw std::runtime_error(kMessage);
-    buffer_.resize(static_cast<std::size_t>(size) + kZeroBytesBehind);
-    input.read(buffer_.data(), size); // what is not delivered stays zero
-    at_ = buffer_.data();
-    end_ = at_ + size;
+    buffer_ = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(size) + kZeroBytesBehind);
+    input.read(buffer_.get(), size);
+    end_ = buffer_.get() + size;
+    std::fill(buffer_.get() + input.gcount(), buffer_.get() + size + kZeroBytesBehind, '\0'); // what was not delivered
 }
 
 Parser::~Parser() = default;
@@ -132,7 +132,7 @@ std::unique_ptr<Document> Parser::Parse()
     auto document = Document::CreateDocument();
     document_ = document.get();
     openElements_.clear();
-    at_ = FindAny<'<'>(buffer_.data(), end_); // what stands before the first markup means nothing
+    at_ = FindAny<'<'>(buffer_.get(), end_); // what stands before the first markup means nothing
     const char* markupEnd = end_;
     while (at_ != end_) {
         ReadMarkup();
@@ -163,14 +163,18 @@ void Parser::ReadText()
 
 void Parser::EndText(const char* rawStart)
 {
-    std::string_view text = View(rawStart, at_);
-    if (!text_.empty())
-        text = text_.append(text);
+    const std::string_view text = Gathered(rawStart);
     if (IsBlank(text))
         return;
     if (openElements_.empty())
         Fail("Text found outside of the root Element");
     Append(Text::Create(std::string(text)));
+}
+
+/// The bytes from rawStart on, after what has been decoded before them.
+std::string_view Parser::Gathered(const char* rawStart)
+{
+    return text_.empty() ? View(rawStart, at_) : std::string_view(text_.append(rawStart, at_));
 }
 
 void Parser::ReadMarkup()
@@ -199,9 +203,13 @@ void Parser::ReadOpeningTag()
     attributes_.clear();
     while (StartsName(*at_))
         ReadAttribute();
-    // all at once: the vector has exactly the size it needs
-    element->attributes_.assign(std::make_move_iterator(attributes_.begin()),
-                                std::make_move_iterator(attributes_.end()));
+    element->attributes_.reserve(attributes_.size());
+    for (PendingAttribute& attribute : attributes_) {
+        if (attribute.decodedValue.empty())
+            element->attributes_.emplace_back(attribute.name, attribute.value);
+        else
+            element->attributes_.emplace_back(attribute.name, std::move(attribute.decodedValue));
+    }
 
     if (openElements_.empty()) {
         if (document_->root_ != nullptr)
@@ -232,16 +240,17 @@ void Parser::ReadAttribute()
     if (quote != '"' && quote != '\'')
         Fail(Joined("Opening delimiter not found for attribute ", name));
     GetNext();
-    attributes_.emplace_back(name, ReadAttributeValue(quote == '"' ? AttributeValueDelimiter::DoubleQuote
-                                                                   : AttributeValueDelimiter::SingleQuote));
+    const std::string_view value =
+        ReadAttributeValue(quote == '"' ? AttributeValueDelimiter::DoubleQuote : AttributeValueDelimiter::SingleQuote);
+    attributes_.push_back({name, value, text_});
     if (*at_ != quote)
         Fail(Joined("Closing delimiter not found for attribute ", name));
     GetNext();
     EatWhitespace();
 }
 
-/// Stops at the delimiter, or else at a '<' or at the end of the input.
-std::string Parser::ReadAttributeValue(AttributeValueDelimiter delimiter)
+/// Stops at the delimiter, or else at a '<' or at the end of the input. A value with references is left in text_.
+std::string_view Parser::ReadAttributeValue(AttributeValueDelimiter delimiter)
 {
     text_.clear();
     const char* rawStart = at_;
@@ -249,15 +258,12 @@ std::string Parser::ReadAttributeValue(AttributeValueDelimiter delimiter)
         at_ = delimiter == AttributeValueDelimiter::DoubleQuote ? FindAny<'"', '<', '&'>(at_, end_)
                                                                 : FindAny<'\'', '<', '&'>(at_, end_);
         if (*at_ != '&')
-            break;
+            return Gathered(rawStart);
         text_.append(rawStart, at_);
         GetNext();
         DecodeReference(text_);
         rawStart = at_;
     }
-    if (text_.empty())
-        return std::string(rawStart, at_);
-    return text_.append(rawStart, at_);
 }
 
 void Parser::ReadClosingTag()
@@ -337,11 +343,14 @@ void Parser::EatWhitespace()
 /// From the first byte of a name to the first behind it, which must exist.
 std::string_view Parser::ReadName()
 {
-    const char* start = at_;
+    const char* const start = at_;
+    const char* at = start;
     do
-        GetNext();
-    while (ContinuesName(*at_));
-    return View(start, at_);
+        ++at;
+    while (ContinuesName(*at));
+    at_ = at - 1;
+    GetNext();
+    return View(start, at);
 }
 
 /// From the byte after '&' to the one behind the reference. A named reference must be followed by some byte: at the
@@ -386,7 +395,7 @@ void Parser::DecodeNumber(std::string& text)
 /// Lines are counted only here: those whose line feed stands before the current byte.
 void Parser::Fail(const std::string& message) const
 {
-    throw Exception(message, 1 + static_cast<unsigned>(std::count(buffer_.data(), at_, '\n')));
+    throw Exception(message, 1 + static_cast<unsigned>(std::count<const char*>(buffer_.get(), at_, '\n')));
 }
 
 } // namespace XML

@@ -83,12 +83,13 @@ private:
     void GetNext();
     void EatWhitespace();
     std::string_view ReadName();
-    std::string ReadAttributeValue(AttributeValueDelimiter delimiter);
+    std::string_view ReadAttributeValue(AttributeValueDelimiter delimiter);
     void DecodeReference(std::string& text);
     void DecodeNumber(std::string& text);
 
     void ReadText();
     void EndText(const char* rawStart);
+    std::string_view Gathered(const char* rawStart);
     void ReadMarkup();
     void ReadOpeningTag();
     void ReadAttribute();
@@ -99,13 +100,20 @@ private:
     void Finish(const char* markupEnd);
     [[noreturn]] void Fail(const std::string& message) const;
 
-    std::vector<char> buffer_;                   // the whole input, and zero bytes behind it
-    const char* at_ = nullptr;                   // the current byte
-    const char* end_ = nullptr;                  // behind the last byte of the input; a zero byte
-    Document* document_ = nullptr;               // the one under construction
-    std::vector<Element*> openElements_;         // the innermost last; the document owns them
-    std::string text_;                           // of the current text or value: all up to its last reference, decoded
-    std::vector<Element::Attribute> attributes_; // of the current tag
+    struct PendingAttribute
+    {
+        std::string_view name;
+        std::string_view value;   // as it stands in the buffer,
+        std::string decodedValue; // but for one with references: empty for all others
+    };
+
+    std::unique_ptr<char[]> buffer_;           // the whole input, and zero bytes behind it
+    const char* at_ = nullptr;                 // the current byte
+    const char* end_ = nullptr;                // behind the last byte of the input; a zero byte
+    Document* document_ = nullptr;             // the one under construction
+    std::vector<Element*> openElements_;       // the innermost last; the document owns them
+    std::string text_;                         // of the current text or value: all up to its last reference, decoded
+    std::vector<PendingAttribute> attributes_; // of the current tag
 };
 
 } // namespace XML
