@@ -19,11 +19,12 @@ def read_rounds(path):
     """{work: {contestant: [time of each round, in nanoseconds]}}, works in the order of their registration."""
     works = {}
     factor = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
-    for run in json.loads(path.read_text())["benchmarks"]:
+    runs = json.loads(path.read_text())["benchmarks"]
+    for run in sorted(runs, key=lambda r: (r["family_index"], r["per_family_instance_index"])):
         if run["run_type"] != "iteration":
             continue
         work, contestant = run["run_name"].split("/")[:2]
-        entry = (run["repetition_index"], run["real_time"] * factor[run["time_unit"]], run.get("bytes_per_second"))
+        entry = (run["repetition_index"], run["real_time"] * factor[run["time_unit"]])
         works.setdefault(work, {}).setdefault(contestant, []).append(entry)
     return {w: {c: [e[1] for e in sorted(entries)] for c, entries in sorted(cs.items())} for w, cs in works.items()}
 
