@@ -28,6 +28,7 @@ public:
     void SetComment(const std::string& comment);
 
 private:
+    friend class Parser;
     friend class Printer;
 
     std::string comment_;

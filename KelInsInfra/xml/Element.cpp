@@ -1,9 +1,11 @@
 #include <KelInsInfra/xml/Element.h>
 #include <KelInsInfra/xml/Text.h>
+#include <KelInsInfra/xml/internal/ElementLink.h>
 #include <algorithm>
 #include <atomic>
 #include <map>
 #include <string_view>
+#include <utility>
 
 namespace XML {
 
@@ -62,33 +64,51 @@ bool IsElementNamed(const std::shared_ptr<Content>& node, const std::string& nam
     return element != nullptr && element->GetName() == name;
 }
 
+template <typename Link, typename Matches>
+bool RemoveLinks(Link*& first, Link*& last, bool onlyFirst, const Matches& matches)
+{
+    bool removed = false;
+    Link* previous = nullptr;
+    for (Link* link = first; link != nullptr && !(removed && onlyFirst);) {
+        Link* const next = link->next;
+        if (matches(link->node)) {
+            (previous == nullptr ? first : previous->next) = next;
+            if (next == nullptr)
+                last = previous;
+            Link::Destroy(link);
+            removed = true;
+        } else {
+            previous = link;
+        }
+        link = next;
+    }
+    return removed;
+}
+
 } // namespace
 
 Element::Element(Token, std::string name) : name_(std::move(name)) {}
 
-Element::Element(Element&& other) noexcept = default;
+Element::Element(Element&& other) noexcept
+    : name_(std::move(other.name_)),
+      attributes_(std::move(other.attributes_)),
+      first_(std::exchange(other.first_, nullptr)),
+      last_(std::exchange(other.last_, nullptr))
+{}
 
 Element& Element::operator=(Element&& other) noexcept
 {
     Element taken(std::move(other)); // first of all: releasing our content may release other
     name_.swap(taken.name_);
     attributes_.swap(taken.attributes_);
-    content_.swap(taken.content_);
+    std::swap(first_, taken.first_);
+    std::swap(last_, taken.last_);
     return *this;
 }
 
-/// Releases the subtree node by node, where the members' own destructors would recurse once per level: the content of
-/// every element that nobody else holds goes into the list of what is still to be released, in document order.
 Element::~Element()
 {
-    while (!content_.empty()) {
-        std::shared_ptr<Content>& node = content_.front();
-        if (node.use_count() == 1 && node->GetType() == ContentElement) {
-            std::atomic_thread_fence(std::memory_order_acquire); // see all that the last other owner did
-            content_.splice(std::next(content_.begin()), static_cast<Element&>(*node).content_);
-        }
-        content_.pop_front();
-    }
+    RemoveAllContent();
 }
 
 std::shared_ptr<Element> Element::Create(const std::string& name)
@@ -105,31 +125,31 @@ std::shared_ptr<Content> Element::Clone() const
 {
     struct Level
     {
-        const Element* source;
         Element* copy;
-        ContentList::const_iterator next;
+        const Link* next; // of the source
     };
 
     const auto begin = [](const Element& source, Element& copy) {
         copy.attributes_ = CopyUnique(source.attributes_);
-        return Level{&source, &copy, source.content_.begin()};
+        return Level{&copy, source.first_};
     };
     const auto result = Create(name_);
     std::vector<Level> levels{begin(*this, *result)}; // not the caller's stack: any depth is fine
     while (!levels.empty()) {
         Level& level = levels.back();
-        if (level.next == level.source->content_.end()) {
+        if (level.next == nullptr) {
             levels.pop_back();
             continue;
         }
-        const Content& node = **level.next++;
+        const Content& node = *level.next->node;
+        level.next = level.next->next;
         const Element* source = AsElement(node);
         if (source == nullptr) {
-            level.copy->content_.push_back(node.Clone());
+            level.copy->AddChild(node.Clone());
             continue;
         }
         const auto copy = Create(source->name_);
-        level.copy->content_.push_back(copy);
+        level.copy->AddChild(copy);
         levels.push_back(begin(*source, *copy));
     }
     return result;
@@ -193,20 +213,23 @@ bool Element::RemoveAttribute(const std::string& name)
 void Element::AddChild(std::shared_ptr<Content> content)
 {
     if (content != nullptr)
-        content_.push_back(std::move(content));
+        Link::Append(*this, Link::Create(std::move(content)));
 }
 
 ContentList Element::GetContent() const
 {
-    return content_;
+    ContentList content;
+    for (const Link* link = first_; link != nullptr; link = link->next)
+        content.push_back(link->node);
+    return content;
 }
 
 std::vector<std::shared_ptr<Element>> Element::GetChildren() const
 {
     std::vector<std::shared_ptr<Element>> children;
-    for (const auto& node : content_) {
-        if (node->GetType() == ContentElement)
-            children.push_back(std::static_pointer_cast<Element>(node));
+    for (const Link* link = first_; link != nullptr; link = link->next) {
+        if (link->node->GetType() == ContentElement)
+            children.push_back(std::static_pointer_cast<Element>(link->node));
     }
     return children;
 }
@@ -214,9 +237,9 @@ std::vector<std::shared_ptr<Element>> Element::GetChildren() const
 std::string Element::GetText() const
 {
     std::string text;
-    for (const auto& node : content_) {
-        if (node->GetType() == ContentText)
-            text += static_cast<const Text&>(*node).GetText();
+    for (const Link* link = first_; link != nullptr; link = link->next) {
+        if (link->node->GetType() == ContentText)
+            text += static_cast<const Text&>(*link->node).GetText();
     }
     return text;
 }
@@ -224,40 +247,45 @@ std::string Element::GetText() const
 std::string Element::GetTextTrim() const
 {
     std::string text;
-    for (const auto& node : content_) {
-        if (node->GetType() == ContentText)
-            text += static_cast<const Text&>(*node).GetTextTrim();
+    for (const Link* link = first_; link != nullptr; link = link->next) {
+        if (link->node->GetType() == ContentText)
+            text += static_cast<const Text&>(*link->node).GetTextTrim();
     }
     return text;
 }
 
+/// Releases whole subtrees node by node, where their own destructors would recurse once per level: the content of every
+/// element that nobody else holds is put before what is still to be released.
 void Element::RemoveAllContent()
 {
-    content_.clear();
+    Link* link = std::exchange(first_, nullptr);
+    last_ = nullptr;
+    while (link != nullptr) {
+        if (link->node.use_count() == 1 && link->node->GetType() == ContentElement) {
+            std::atomic_thread_fence(std::memory_order_acquire); // see all that the last other owner did
+            if (auto& element = static_cast<Element&>(*link->node); element.first_ != nullptr) {
+                element.last_->next = link->next;
+                link->next = std::exchange(element.first_, nullptr);
+                element.last_ = nullptr;
+            }
+        }
+        Link::Destroy(std::exchange(link, link->next));
+    }
 }
 
 bool Element::RemoveChild(const std::string& name)
 {
-    const auto found = std::find_if(content_.begin(), content_.end(),
-                                    [&name](const auto& node) { return IsElementNamed(node, name); });
-    if (found == content_.end())
-        return false;
-    content_.erase(found);
-    return true;
+    return RemoveLinks(first_, last_, true, [&name](const auto& node) { return IsElementNamed(node, name); });
 }
 
 bool Element::RemoveChildren(const std::string& name)
 {
-    return content_.remove_if([&name](const auto& node) { return IsElementNamed(node, name); }) > 0;
+    return RemoveLinks(first_, last_, false, [&name](const auto& node) { return IsElementNamed(node, name); });
 }
 
 bool Element::RemoveContent(const std::shared_ptr<Content>& content)
 {
-    const auto found = std::find(content_.begin(), content_.end(), content);
-    if (found == content_.end())
-        return false;
-    content_.erase(found);
-    return true;
+    return RemoveLinks(first_, last_, true, [&content](const auto& node) { return node == content; });
 }
 
 } // namespace XML

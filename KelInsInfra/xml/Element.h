@@ -89,9 +89,12 @@ private:
     friend class Printer;
     friend class Parser;
 
+    struct Link; // one entry of the content
+
     std::string name_;
     std::vector<Attribute> attributes_;
-    ContentList content_;
+    Link* first_ = nullptr;
+    Link* last_ = nullptr;
 };
 
 } // namespace XML

@@ -20,8 +20,7 @@ void Outputter::SetIndent(const std::string& indent)
 std::string Outputter::ToString(const Document& document) const
 {
     Printer printer(indent_);
-    printer.PrintDeclaration();
-    printer.PrintContent(Printer::ContentOf(document));
+    printer.PrintDocument(document);
     return printer.Take();
 }
 

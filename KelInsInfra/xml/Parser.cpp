@@ -3,6 +3,8 @@
 #include <KelInsInfra/xml/Parser.h>
 #include <KelInsInfra/xml/Text.h>
 #include <KelInsInfra/xml/internal/Bytes.h>
+#include <KelInsInfra/xml/internal/Chunk.h>
+#include <KelInsInfra/xml/internal/ElementLink.h>
 #include <algorithm>
 #include <array>
 #include <istream>
@@ -15,6 +17,9 @@ namespace {
 
 /// Zero bytes behind the input: no byte that is looked for is zero, so short look-ahead needs no test for the end.
 constexpr std::size_t kZeroBytesBehind = 4;
+
+/// More than std::allocate_shared needs beside the object.
+constexpr std::size_t kOfSharedPointer = 64;
 
 constexpr bool IsNameStart(unsigned char c)
 {
@@ -130,6 +135,8 @@ Parser::~Parser() = default;
 std::unique_ptr<Document> Parser::Parse()
 {
     auto document = Document::CreateDocument();
+    ChunkSource chunks;
+    chunks_ = &chunks;
     document_ = document.get();
     openElements_.clear();
     at_ = FindAny<'<'>(buffer_.get(), end_); // what stands before the first markup means nothing
@@ -168,7 +175,7 @@ void Parser::EndText(const char* rawStart)
         return;
     if (openElements_.empty())
         Fail("Text found outside of the root Element");
-    Append(Text::Create(std::string(text)));
+    Append(Create<Text>(text));
 }
 
 /// The bytes from rawStart on, after what has been decoded before them.
@@ -198,7 +205,7 @@ void Parser::ReadMarkup()
 void Parser::ReadOpeningTag()
 {
     const std::string_view name = ReadName();
-    const auto element = Element::Create(std::string(name));
+    const auto element = Create<Element>(name);
     EatWhitespace();
     attributes_.clear();
     while (StartsName(*at_))
@@ -294,7 +301,7 @@ void Parser::ReadDeclaration()
     at_ += 3;
     const char* commentStart = at_;
     SkipPast("-->");
-    Append(Comment::Create(std::string(commentStart, at_ - 3)));
+    Append(Create<Comment>(View(commentStart, at_ - 3)));
 }
 
 void Parser::SkipPast(std::string_view end)
@@ -307,9 +314,20 @@ void Parser::SkipPast(std::string_view end)
     at_ += found + end.size();
 }
 
+template <typename Node>
+std::shared_ptr<Node> Parser::Create(std::string_view text)
+{
+    Chunk& chunk = chunks_->WithRoomFor(sizeof(Node) + kOfSharedPointer);
+    return std::allocate_shared<Node>(ChunkAllocator<Node>(chunk), typename Node::Token(), std::string(text));
+}
+
 void Parser::Append(std::shared_ptr<Content> content)
 {
-    (openElements_.empty() ? document_->content_ : openElements_.back()->content_).push_back(std::move(content));
+    if (openElements_.empty())
+        document_->content_.push_back(std::move(content));
+    else
+        Element::Link::Append(*openElements_.back(),
+                              Element::Link::Create(std::move(content), chunks_->WithRoomFor(sizeof(Element::Link))));
 }
 
 void Parser::Finish(const char* markupEnd)

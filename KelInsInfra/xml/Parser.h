@@ -11,6 +11,8 @@
 
 namespace XML {
 
+class ChunkSource;
+
 /// Reads a practical subset of XML 1.0 into a Document.
 ///
 /// @code
@@ -96,6 +98,8 @@ private:
     void ReadClosingTag();
     void ReadDeclaration();
     void SkipPast(std::string_view end);
+    template <typename Node>
+    std::shared_ptr<Node> Create(std::string_view text);
     void Append(std::shared_ptr<Content> content);
     void Finish(const char* markupEnd);
     [[noreturn]] void Fail(const std::string& message) const;
@@ -110,6 +114,7 @@ private:
     std::unique_ptr<char[]> buffer_;           // the whole input, and zero bytes behind it
     const char* at_ = nullptr;                 // the current byte
     const char* end_ = nullptr;                // behind the last byte of the input; a zero byte
+    ChunkSource* chunks_ = nullptr;            // for the nodes of the document
     Document* document_ = nullptr;             // the one under construction
     std::vector<Element*> openElements_;       // the innermost last; the document owns them
     std::string text_;                         // of the current text or value: all up to its last reference, decoded

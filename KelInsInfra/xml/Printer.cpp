@@ -1,4 +1,5 @@
 #include <KelInsInfra/xml/internal/Bytes.h>
+#include <KelInsInfra/xml/internal/ElementLink.h>
 #include <KelInsInfra/xml/internal/Printer.h>
 #include <algorithm>
 #include <functional>
@@ -25,6 +26,19 @@ std::string_view ReferenceFor(char c)
 
 } // namespace
 
+void Printer::PrintDocument(const Document& document)
+{
+    PrintDeclaration();
+    for (const auto& node : document.content_) {
+        if (node->GetType() == ContentElement) {
+            PrintElement(static_cast<const Element&>(*node), false);
+            lastKind_ = ContentElement;
+        } else {
+            PrintLeaf(*node);
+        }
+    }
+}
+
 void Printer::PrintDeclaration()
 {
     out_ += R"(<?xml version="1.0" encoding="UTF-8"?>)";
@@ -34,45 +48,49 @@ void Printer::PrintElement(const Element& element, bool noBreak)
 {
     if (!OpenElement(element, noBreak))
         return;
-    PrintContent(element.content_);
+    PrintContent(element);
     CloseElement(element);
 }
 
-void Printer::PrintContent(const ContentList& content)
+void Printer::PrintContent(const Element& outermost)
 {
     struct Level
     {
-        const Element* element; // none for the outermost
-        ContentList::const_iterator next;
-        ContentList::const_iterator end;
+        const Element* element;
+        const Element::Link* next;
     };
 
-    std::vector<Level> levels{{nullptr, content.begin(), content.end()}}; // not the caller's stack: any depth is fine
+    std::vector<Level> levels{{&outermost, outermost.first_}}; // not the caller's stack: any depth is fine
     for (;;) {
         Level& level = levels.back();
-        if (level.next == level.end) {
-            if (level.element == nullptr)
+        if (level.next == nullptr) {
+            if (levels.size() == 1)
                 return;
             CloseElement(*level.element);
             lastKind_ = ContentElement;
             levels.pop_back();
             continue;
         }
-        const Content& node = **level.next++;
-        switch (node.GetType()) {
-        case ContentComment:
-            PrintComment(static_cast<const Comment&>(node).comment_);
-            break;
-        case ContentText:
-            PrintText(static_cast<const Text&>(node).text_);
-            break;
-        case ContentElement:
-            if (const auto& element = static_cast<const Element&>(node); OpenElement(element, false))
-                levels.push_back({&element, element.content_.begin(), element.content_.end()});
-            else
-                lastKind_ = ContentElement;
+        const Content& node = *level.next->node;
+        level.next = level.next->next;
+        if (node.GetType() != ContentElement) {
+            PrintLeaf(node);
+            continue;
         }
+        const auto& element = static_cast<const Element&>(node);
+        if (OpenElement(element, false))
+            levels.push_back({&element, element.first_});
+        else
+            lastKind_ = ContentElement;
     }
+}
+
+void Printer::PrintLeaf(const Content& node)
+{
+    if (node.GetType() == ContentComment)
+        PrintComment(static_cast<const Comment&>(node).comment_);
+    else if (node.GetType() == ContentText)
+        PrintText(static_cast<const Text&>(node).text_);
 }
 
 /// False where the element is complete: it has no content.
@@ -83,7 +101,7 @@ bool Printer::OpenElement(const Element& element, bool noBreak)
     out_ += '<';
     out_ += element.name_;
     PrintAttributes(element.attributes_);
-    if (element.content_.empty()) {
+    if (element.first_ == nullptr) {
         out_ += "/>";
         return false;
     }

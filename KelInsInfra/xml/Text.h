@@ -32,6 +32,7 @@ public:
     std::string GetTextTrim() const;
 
 private:
+    friend class Parser;
     friend class Printer;
 
     std::string text_;

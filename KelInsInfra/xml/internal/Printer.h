@@ -17,15 +17,15 @@ class Printer
 public:
     explicit Printer(const std::string& indent) : indent_(indent) {}
 
+    void PrintDocument(const Document& document);
     void PrintDeclaration();
-    void PrintContent(const ContentList& content);
     void PrintElement(const Element& element, bool noBreak);
-
-    static const ContentList& ContentOf(const Document& document) { return document.content_; }
 
     std::string Take() { return std::move(out_); }
 
 private:
+    void PrintContent(const Element& element);
+    void PrintLeaf(const Content& node);
     bool OpenElement(const Element& element, bool noBreak);
     void CloseElement(const Element& element);
     void PrintAttributes(const std::vector<Element::Attribute>& attributes);
