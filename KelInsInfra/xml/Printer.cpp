@@ -2,26 +2,71 @@
 #include <KelInsInfra/xml/internal/ElementLink.h>
 #include <KelInsInfra/xml/internal/Printer.h>
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <string_view>
 
 namespace XML {
 namespace {
 
+constexpr auto kReferences = [] {
+    std::array<std::string_view, 256> table{}; // empty for what is written as it is
+    table['&'] = "&amp;";
+    table['\''] = "&apos;";
+    table['"'] = "&quot;";
+    table['<'] = "&lt;";
+    table['>'] = "&gt;";
+    return table;
+}();
+
 std::string_view ReferenceFor(char c)
 {
-    switch (c) {
-    case '&':
-        return "&amp;";
-    case '\'':
-        return "&apos;";
-    case '"':
-        return "&quot;";
-    case '<':
-        return "&lt;";
-    default:
-        return "&gt;";
+    return kReferences[static_cast<unsigned char>(c)];
+}
+
+std::string Written(const Element::Attribute& attribute)
+{
+    std::string text = attribute.first + "=\"";
+    for (const char c : attribute.second) {
+        if (const std::string_view reference = ReferenceFor(c); !reference.empty())
+            text += reference;
+        else
+            text += c;
     }
+    return text += '"';
+}
+
+/// How the value goes on from a place in it, as far as it takes to tell it from another.
+std::string_view NextWritten(const std::string& value, std::size_t at)
+{
+    if (at == value.size())
+        return "\"";
+    const std::string_view reference = ReferenceFor(value[at]);
+    return reference.empty() ? std::string_view(value).substr(at, 1) : reference;
+}
+
+/// The order of the written forms (name="value", byte by byte), told without writing them.
+bool IsWrittenBefore(const Element::Attribute* a, const Element::Attribute* b)
+{
+    const auto differAt = [](const std::string& one, const std::string& other) {
+        return static_cast<std::size_t>(std::mismatch(one.begin(), one.end(), other.begin(), other.end()).first -
+                                        one.begin());
+    };
+    const std::string& name = a->first;
+    const std::string& otherName = b->first;
+    if (!name.empty() && !otherName.empty() && name[0] != otherName[0]) // most often
+        return static_cast<unsigned char>(name[0]) < static_cast<unsigned char>(otherName[0]);
+    std::size_t at = differAt(name, otherName);
+    if (at == name.size() && at == otherName.size()) {
+        at = differAt(a->second, b->second);
+        return NextWritten(a->second, at) < NextWritten(b->second, at);
+    }
+    const auto byte = [at](const std::string& text) {
+        return static_cast<unsigned char>(at < text.size() ? text[at] : '=');
+    };
+    if (byte(name) != byte(otherName))
+        return byte(name) < byte(otherName);
+    return Written(*a) < Written(*b); // a name with a '=' in it: no parser makes one
 }
 
 } // namespace
@@ -122,34 +167,18 @@ void Printer::CloseElement(const Element& element)
 
 void Printer::PrintAttributes(const std::vector<Element::Attribute>& attributes)
 {
-    attributeStarts_.clear();
-    for (const auto& [name, value] : attributes) {
-        attributeStarts_.push_back(out_.size());
+    attributes_.clear();
+    for (const Element::Attribute& attribute : attributes)
+        attributes_.push_back(&attribute);
+    if (!std::is_sorted(attributes_.begin(), attributes_.end(), IsWrittenBefore))
+        std::sort(attributes_.begin(), attributes_.end(), IsWrittenBefore);
+    for (const Element::Attribute* attribute : attributes_) {
         out_ += ' ';
-        out_ += name;
+        out_ += attribute->first;
         out_ += "=\"";
-        AppendEscaped(value);
+        AppendEscaped(attribute->second);
         out_ += '"';
     }
-    if (attributes.size() > 1)
-        SortAttributes();
-}
-
-/// Sorts what has been written of the current tag's attributes, as text.
-void Printer::SortAttributes()
-{
-    attributeTexts_.clear();
-    const std::size_t begin = attributeStarts_.front();
-    attributeStarts_.push_back(out_.size());
-    for (std::size_t i = 0; i + 1 < attributeStarts_.size(); ++i)
-        attributeTexts_.emplace_back(out_.data() + attributeStarts_[i], attributeStarts_[i + 1] - attributeStarts_[i]);
-    if (std::is_sorted(attributeTexts_.begin(), attributeTexts_.end()))
-        return;
-    std::sort(attributeTexts_.begin(), attributeTexts_.end());
-    sortedAttributes_.clear();
-    for (const std::string_view text : attributeTexts_)
-        sortedAttributes_ += text;
-    out_.replace(begin, sortedAttributes_.size(), sortedAttributes_);
 }
 
 void Printer::PrintComment(const std::string& comment)
@@ -177,7 +206,12 @@ void Printer::AppendEscaped(std::string_view text)
     const char* at = text.data();
     const char* const end = at + text.size();
     for (;;) {
-        const char* special = FindAny<'&', '\'', '"', '<', '>'>(at, end);
+        const char* special = at;
+        if (end - at >= 16)
+            special = FindAny<'&', '\'', '"', '<', '>'>(at, end);
+        else
+            while (special != end && ReferenceFor(*special).empty())
+                ++special;
         out_.append(at, special);
         if (special == end)
             return;

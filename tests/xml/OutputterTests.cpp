@@ -141,6 +141,9 @@ const AttributeCase kAttributeCases[] = {
     {"UpperCaseBeforeLowerCase", {{"a", "1"}, {"B", "2"}}, R"(<e B="2" a="1"/>)"},
     {"BytesAreUnsigned", {{"\xC3\xA9", "1"}, {"z", "2"}}, "<e z=\"2\" \xC3\xA9=\"1\"/>"},
     {"ValuesAreEscaped", {{"a", "&'\"<>"}}, R"(<e a="&amp;&apos;&quot;&lt;&gt;"/>)"},
+    {"EqualsInANameIsComparedWithTheValue",
+     {{"a", "m"}, {"a=\"n", "1"}, {"a=\"l", "2"}},
+     R"(<e a="l="2" a="m" a="n="1"/>)"},
     {"BlanksInValuesAreCopied", {{"a", " \t\r\n "}}, "<e a=\" \t\r\n \"/>"},
 };
 
@@ -152,6 +155,32 @@ TEST(XmlOutputter, DuplicatesAreSortedByTheirWrittenValues)
     // as a value < comes after (, as text it is &lt; and comes before it
     EXPECT_EQ(Outputter().ToString(*Parse("<e a='x' a='(' a='&lt;'/>")),
               kDeclaration + "\n<e a=\"&lt;\" a=\"(\" a=\"x\"/>");
+}
+
+TEST(XmlOutputter, DuplicatesOfEveryTwoBytesAreSortedAsText)
+{
+    const auto written = [](const std::string& value) {
+        const auto element = E("e");
+        element->SetAttribute("a", value);
+        const std::string text = Outputter().ToString(*element, false);
+        return text.substr(2, text.size() - 4); // " a="..." alone
+    };
+    const std::string bytes = "&'\"<>\x01 !#az~\x80\xFF";
+    for (const char first : bytes) {
+        for (const char second : bytes) {
+            const std::string one = std::string("x") + first + "y";
+            const std::string other = std::string("x") + second;
+            // the parser keeps both: bytes as references where they could not stand in a value
+            const auto raw = [](char c) { return "&#" + std::to_string(static_cast<unsigned char>(c)) + ";"; };
+            const auto quoted = [&](char c, const std::string& tail) {
+                return static_cast<unsigned char>(c) < 0x80 ? "x" + raw(c) + tail : std::string("x") + c + tail;
+            };
+            const auto root =
+                Parse("<e a='" + quoted(first, "y") + "' a='" + quoted(second, "") + "'/>")->GetRootElement();
+            EXPECT_EQ(Outputter().ToString(*root, false),
+                      "<e" + std::min(written(one), written(other)) + std::max(written(one), written(other)) + "/>");
+        }
+    }
 }
 
 TEST(XmlOutputter, DocumentOfTheExample)

@@ -29,7 +29,6 @@ private:
     bool OpenElement(const Element& element, bool noBreak);
     void CloseElement(const Element& element);
     void PrintAttributes(const std::vector<Element::Attribute>& attributes);
-    void SortAttributes();
     void PrintComment(const std::string& comment);
     void PrintText(const std::string& text);
     void AppendEscaped(std::string_view text);
@@ -40,9 +39,7 @@ private:
     std::uint32_t depth_ = 1;               // 1 at the outermost level
     ContentType lastKind_ = ContentElement; // what was written last; at the start as after an element
     std::string out_;
-    std::vector<std::size_t> attributeStarts_; // in out_, of the current tag; the end of the last behind them
-    std::vector<std::string_view> attributeTexts_;
-    std::string sortedAttributes_;
+    std::vector<const Element::Attribute*> attributes_; // of the current tag, to be sorted
 };
 
 } // namespace XML
