@@ -2,7 +2,6 @@
 #include <KelInsInfra/xml/Text.h>
 #include <KelInsInfra/xml/internal/ElementLink.h>
 #include <algorithm>
-#include <atomic>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -262,8 +261,9 @@ void Element::RemoveAllContent()
     last_ = nullptr;
     while (link != nullptr) {
         if (link->node.use_count() == 1 && link->node->GetType() == ContentElement) {
-            std::atomic_thread_fence(std::memory_order_acquire); // see all that the last other owner did
-            if (auto& element = static_cast<Element&>(*link->node); element.first_ != nullptr) {
+            const std::shared_ptr<Content> node =
+                link->node; // counting up orders us after the last other owner's release
+            if (auto& element = static_cast<Element&>(*node); element.first_ != nullptr) {
                 element.last_->next = link->next;
                 link->next = std::exchange(element.first_, nullptr);
                 element.last_ = nullptr;
