@@ -97,7 +97,7 @@ TEST(RegistryKeyToUUIDLengths, EveryWrongLengthIsAPairOfBraces)
 TEST(RegistryKeyToUUIDText, DashesAndNulsAreTransposedLikeDigits)
 {
     EXPECT_EQ(KelInsMSI::RegistryKeyToUUID("-1234567-1-1-2-3-4-5-6-7-8-9-0-a"),
-              "{7654321--1-1--3-2--4--5-6-7-8-9-0-a-}");
+              "{7654321--1-1--3-2--4-5--6-7-8-9-0-a-}");
     std::string key(32, 'x');
     key[0] = '\0';
     std::string uuid = "{xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx}";

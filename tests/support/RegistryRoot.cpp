@@ -42,7 +42,9 @@ void WriteRaw(HKEY key, const std::wstring& name, const RawValue& value)
 RegistryRoot::RegistryRoot(HKEY root, REGSAM viewFlag) : root_(root), viewFlag_(viewFlag)
 {
     static std::atomic<unsigned> counter = 0;
-    path_ = kFolder + ("\\" + std::to_string(::GetCurrentProcessId())) + "_" + std::to_string(counter++);
+    path_ = kFolder;
+    path_.append("\\").append(std::to_string(::GetCurrentProcessId()));
+    path_.append("_").append(std::to_string(counter++));
     Check(::RegCreateKeyExA(root_, path_.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | viewFlag_, nullptr, &key_, nullptr),
           "RegistryRoot");
 }
