@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -39,12 +40,17 @@ void WriteRaw(HKEY key, const std::wstring& name, const RawValue& value)
           "WriteRaw");
 }
 
-RegistryRoot::RegistryRoot(HKEY root, REGSAM viewFlag) : root_(root), viewFlag_(viewFlag)
+std::string RegistryRoot::NewPath()
 {
     static std::atomic<unsigned> counter = 0;
-    path_ = kFolder;
-    path_.append("\\").append(std::to_string(::GetCurrentProcessId()));
-    path_.append("_").append(std::to_string(counter++));
+    std::string path = kFolder;
+    path.append("\\").append(std::to_string(::GetCurrentProcessId()));
+    return path.append("_").append(std::to_string(counter++));
+}
+
+RegistryRoot::RegistryRoot(HKEY root, REGSAM viewFlag, std::string path)
+    : root_(root), viewFlag_(viewFlag), path_(std::move(path))
+{
     Check(::RegCreateKeyExA(root_, path_.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | viewFlag_, nullptr, &key_, nullptr),
           "RegistryRoot");
 }

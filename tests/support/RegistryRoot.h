@@ -24,7 +24,8 @@ class RegistryRoot
 {
 public:
     /// @param viewFlag  0, KEY_WOW64_32KEY or KEY_WOW64_64KEY.
-    explicit RegistryRoot(HKEY root = HKEY_CURRENT_USER, REGSAM viewFlag = 0);
+    /// @param path      the Path of another one, in the other view.
+    explicit RegistryRoot(HKEY root = HKEY_CURRENT_USER, REGSAM viewFlag = 0, std::string path = NewPath());
     ~RegistryRoot();
     RegistryRoot(const RegistryRoot&) = delete;
     RegistryRoot& operator=(const RegistryRoot&) = delete;
@@ -38,6 +39,8 @@ public:
     [[nodiscard]] std::string operator/(const std::string& name) const { return Path() + '\\' + name; }
 
 private:
+    static std::string NewPath();
+
     HKEY root_;
     REGSAM viewFlag_;
     std::string path_;
