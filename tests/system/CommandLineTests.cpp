@@ -1,0 +1,344 @@
+#include "tests/support/ExpectThrowsText.h"
+#include "tests/support/HandleCount.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/TempDirectory.h"
+#include "tests/system/Child.h"
+#include <KelInsInfra/foundation/KelInsEnv.h>
+#include <KelInsInfra/foundation/KelInsSys.h>
+#include <KelInsInfra/io/Path.h>
+#include <KelInsInfra/system/KelInsSys.h>
+#include <KelInsInfra/system/ProcessBuilder.h>
+#include <cwchar>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <thread>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::Contains;
+using testing::ElementsAre;
+using Arguments = std::vector<std::string>;
+using CommandLineHook = ImportHook<LPWSTR()>;
+using SplitHook = ImportHook<LPWSTR*(LPCWSTR, int*)>;
+using LocalFreeHook = ImportHook<HLOCAL(HLOCAL)>;
+using ModuleNameHook = ImportHook<DWORD(HMODULE, LPWSTR, DWORD)>;
+using EnvironmentHook = ImportHook<LPWCH()>;
+using FreeEnvironmentHook = ImportHook<BOOL(LPWCH)>;
+
+/// What a child knows of itself.
+struct Report
+{
+    std::string executable;
+    std::string directory;
+    Arguments arguments;
+};
+
+Report RunReportingChild(const std::string& commandLine)
+{
+    const TempDirectory directory;
+    const std::string file = directory / "report";
+    KelInsEnv::PutEnv("KELINS_TEST_REPORT", file);
+    KelInsSys::ProcessBuilder child(commandLine);
+    EXPECT_TRUE(child.Start(false)) << KelInsSys::GetLastErrorMessage(::GetLastError());
+    child.Wait();
+    KelInsEnv::PutEnv("KELINS_TEST_REPORT", "");
+    std::ifstream stream(file, std::ios::binary);
+    Report report;
+    std::getline(stream, report.executable, '\0');
+    std::getline(stream, report.directory, '\0');
+    for (std::string argument; std::getline(stream, argument, '\0');)
+        report.arguments.push_back(argument);
+    return report;
+}
+
+struct ArgumentsCase
+{
+    const char* label;
+    const char* commandLineTail;
+    Arguments arguments;
+
+    friend void PrintTo(const ArgumentsCase& c, std::ostream* out) { *out << c.commandLineTail; }
+};
+
+const ArgumentsCase kArgumentsCases[] = {
+    {"None", "", {}},
+    {"SpacesOnly", "   ", {}},
+    {"QuotedAndPlain", R"( "a b" c)", {"a b", "c"}},
+    {"Empty", R"( "" x "")", {"", "x", ""}},
+    {"QuoteWithinWord", R"( a" b "c)", {"a b c"}},
+    {"EscapedQuote", R"( a\"b)", {R"(a"b)"}},
+    {"EscapedQuoteWithinQuotes", R"( "say \"hi\" now")", {R"(say "hi" now)"}},
+    {"BackslashesNotBeforeQuotes", R"( C:\dir\\file \\server\share)", {R"(C:\dir\\file)", R"(\\server\share)"}},
+    {"TwoBackslashesBeforeQuote", R"( "C:\dir\\" x)", {R"(C:\dir\)", "x"}},
+    {"ThreeBackslashesBeforeQuote", R"( a\\\"b)", {R"(a\"b)"}},
+    {"FourBackslashesBeforeQuote", R"( a\\\\"b c")", {R"(a\\b c)"}},
+    {"OneBackslashBeforeClosingQuote", R"( "C:\dir\" x)", {R"(C:\dir" x)"}},
+    {"UnterminatedQuote", R"( a "b c)", {"a", "b c"}},
+    {"ApostrophesAreOrdinary", " 'a b'", {"'a", "b'"}},
+    {"TabSeparates", " a\tb", {"a", "b"}},
+    {"TrailingBackslash", R"( a\)", {R"(a\)"}},
+    {"Utf8", " \xC3\xA9t\xC3\xA9 \xE6\x97\xA5\xE6\x9C\xAC", {"\xC3\xA9t\xC3\xA9", "\xE6\x97\xA5\xE6\x9C\xAC"}},
+    {"Emoji",
+     " \"\xF0\x9F\x8D\x8E \xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x94\xA7\"",
+     {"\xF0\x9F\x8D\x8E \xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x94\xA7"}},
+};
+
+class GetArguments : public testing::TestWithParam<ArgumentsCase>
+{};
+
+TEST_P(GetArguments, OfAChild)
+{
+    const std::string program = ChildPath();
+    Arguments expected = GetParam().arguments;
+    expected.insert(expected.begin(), program);
+    EXPECT_EQ(RunReportingChild("\"" + program + "\"" + GetParam().commandLineTail).arguments, expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, GetArguments, testing::ValuesIn(kArgumentsCases),
+                         [](const auto& test) { return std::string(test.param.label); });
+
+/// A directory with a copy of the child under another name, and the current directory for as long as this lives.
+class ChildCopy
+{
+public:
+    explicit ChildCopy(const std::u8string& name) : before_(fs::current_path())
+    {
+        fs::copy_file(ChildPath(), fs::path(directory_.Path()) / name);
+        fs::current_path(directory_.Path());
+    }
+
+    ~ChildCopy() { fs::current_path(before_); }
+
+    ChildCopy(const ChildCopy&) = delete;
+    ChildCopy& operator=(const ChildCopy&) = delete;
+
+    [[nodiscard]] std::string Directory() const { return directory_.Path(); }
+
+private:
+    TempDirectory directory_;
+    fs::path before_;
+};
+
+TEST(GetArgumentsProgram, IsAsWrittenNotItsPath)
+{
+    const ChildCopy copy(u8"setup.exe");
+    const Report report = RunReportingChild(R"(setup.exe "a b" c)");
+    EXPECT_THAT(report.arguments, ElementsAre("setup.exe", "a b", "c"));
+    EXPECT_EQ(report.executable, copy.Directory() + R"(\setup.exe)");
+    EXPECT_EQ(report.directory, copy.Directory());
+    EXPECT_THAT(RunReportingChild(R"(.\setup x)").arguments, ElementsAre(R"(.\setup)", "x"));
+}
+
+TEST(GetArgumentsProgram, OutsideAsciiAndWithSpaces)
+{
+    const ChildCopy copy(u8"s\u00E9t\u00FCp \U0001F34E.exe");
+    const std::string name = "s\xC3\xA9t\xC3\xBCp \xF0\x9F\x8D\x8E.exe";
+    const Report report = RunReportingChild("\"" + name + "\" x");
+    EXPECT_THAT(report.arguments, ElementsAre(name, "x"));
+    EXPECT_EQ(report.executable, copy.Directory() + "\\" + name);
+    EXPECT_EQ(report.directory, copy.Directory());
+}
+
+TEST(GetArgumentsIsolated, SplitOnceAndReleased)
+{
+    CommandLineHook commandLine("GetCommandLineW");
+    const SplitHook split("CommandLineToArgvW");
+    const LocalFreeHook free("LocalFree");
+    const Arguments first = KelInsSys::GetArguments();
+    EXPECT_FALSE(first.empty());
+    std::wcscpy(::GetCommandLineW(), L"x"); // the process's own text, changed in place
+    EXPECT_EQ(KelInsSys::GetArguments(), first);
+    EXPECT_EQ(commandLine.Calls().size(), 1U);
+    EXPECT_EQ(split.Calls().size(), 1U);
+    EXPECT_EQ(free.Calls().size(), 1U);
+}
+
+TEST(GetArgumentsIsolated, CopiesAreIndependent)
+{
+    Arguments changed = KelInsSys::GetArguments();
+    changed.at(0) = "changed";
+    EXPECT_NE(KelInsSys::GetArguments().at(0), "changed");
+}
+
+TEST(GetArgumentsIsolated, FailsThenTriesAgain)
+{
+    const LocalFreeHook free("LocalFree");
+    SplitHook split("CommandLineToArgvW");
+    split.FailCall(1, nullptr, LastError(ERROR_NOT_ENOUGH_MEMORY));
+    split.FailCall(2, nullptr, LastError(ERROR_INVALID_PARAMETER));
+    for (const DWORD code : {DWORD{ERROR_NOT_ENOUGH_MEMORY}, DWORD{ERROR_INVALID_PARAMETER}})
+        ExpectThrowsText<std::runtime_error>([] { KelInsSys::GetArguments(); },
+                                             "CommandLineToArgv failed. - " + KelInsSys::GetLastErrorMessage(code) +
+                                                 "\n");
+    EXPECT_FALSE(KelInsSys::GetArguments().empty());
+    KelInsSys::GetArguments();
+    EXPECT_EQ(split.Calls().size(), 3U);
+}
+
+TEST(GetArgumentsIsolated, SplitOnceByManyThreads)
+{
+    SplitHook split("CommandLineToArgvW", [&](LPCWSTR text, int* count) {
+        ::Sleep(100);
+        return split.CallOriginal(text, count);
+    });
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back([] { EXPECT_FALSE(KelInsSys::GetArguments().empty()); });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(split.Calls().size(), 1U);
+}
+
+Arguments SystemEnvironment()
+{
+    Arguments entries;
+    LPWCH block = ::GetEnvironmentStringsW();
+    for (const wchar_t* entry = block; *entry != L'\0'; entry += std::wcslen(entry) + 1)
+        entries.push_back(KelInsString::Narrow(entry));
+    ::FreeEnvironmentStringsW(block);
+    return entries;
+}
+
+TEST(GetEnvironment, IsTheBlockInItsOrder)
+{
+    EXPECT_EQ(KelInsSys::GetEnvironment(), SystemEnvironment());
+    EXPECT_FALSE(KelInsSys::GetEnvironment().empty());
+    for (const std::string& entry : KelInsSys::GetEnvironment())
+        EXPECT_EQ(entry.find('\0'), std::string::npos);
+}
+
+TEST(GetEnvironment, HoldsANewVariableAtOnce)
+{
+    KelInsEnv::PutEnv("KELINS_TEST_NEW", "gr\xC3\xBC\xC3\x9F = \xF0\x9F\x8D\x8E");
+    EXPECT_THAT(KelInsSys::GetEnvironment(), Contains("KELINS_TEST_NEW=gr\xC3\xBC\xC3\x9F = \xF0\x9F\x8D\x8E"));
+    KelInsEnv::PutEnv("KELINS_TEST_NEW", "");
+    EXPECT_THAT(KelInsSys::GetEnvironment(), testing::Not(Contains(testing::StartsWith("KELINS_TEST_NEW="))));
+}
+
+TEST(GetEnvironment, HoldsTheHiddenEntriesOfDrives)
+{
+    ::SetEnvironmentVariableW(L"=K:", L"K:\\Tools");
+    EXPECT_THAT(KelInsSys::GetEnvironment(), Contains("=K:=K:\\Tools"));
+    ::SetEnvironmentVariableW(L"=K:", nullptr);
+}
+
+TEST(GetEnvironment, WalksEntriesOfEveryShape)
+{
+    wchar_t block[] = L"=C:=C:\\\0=ExitCode=00000000\0A=\0B==x=\0C=\U0001F34E\0";
+    FreeEnvironmentHook free("FreeEnvironmentStringsW", [](LPWCH) { return TRUE; });
+    const EnvironmentHook hook("GetEnvironmentStringsW", [&] { return &block[0]; });
+    EXPECT_THAT(KelInsSys::GetEnvironment(),
+                ElementsAre("=C:=C:\\", "=ExitCode=00000000", "A=", "B==x=", "C=\xF0\x9F\x8D\x8E"));
+    EXPECT_THAT(free.Calls(), ElementsAre(FreeEnvironmentHook::Call(&block[0])));
+}
+
+TEST(GetEnvironment, EmptyBlockHasNoEntries)
+{
+    wchar_t block[] = L"\0";
+    const FreeEnvironmentHook free("FreeEnvironmentStringsW", [](LPWCH) { return TRUE; });
+    const EnvironmentHook hook("GetEnvironmentStringsW", [&] { return &block[0]; });
+    EXPECT_TRUE(KelInsSys::GetEnvironment().empty());
+}
+
+TEST(GetEnvironment, EmptyWithoutABlock)
+{
+    const FreeEnvironmentHook free("FreeEnvironmentStringsW");
+    EnvironmentHook hook("GetEnvironmentStringsW");
+    hook.FailCall(1, nullptr, LastError(ERROR_NOT_ENOUGH_MEMORY));
+    EXPECT_TRUE(KelInsSys::GetEnvironment().empty());
+    EXPECT_TRUE(free.Calls().empty());
+    EXPECT_FALSE(KelInsSys::GetEnvironment().empty());
+    EXPECT_EQ(free.Calls().size(), 1U);
+}
+
+TEST(GetExecutablePath, IsTheProgramsNotTheLibrarys)
+{
+    const std::string path = KelInsSys::GetExecutablePath();
+    EXPECT_THAT(path, testing::EndsWith("\\dll_tests.exe"));
+    EXPECT_TRUE(fs::exists(path));
+    EXPECT_EQ(KelInsSys::GetExecutableDirPath() + "\\dll_tests.exe", path);
+    EXPECT_EQ(KelInsSys::GetExecutableDirPath(), KelInsIO::Path(path).GetParent().GetPath());
+}
+
+TEST(GetExecutablePathIsolated, AskedOnceForTheMainModule)
+{
+    const ModuleNameHook hook("GetModuleFileNameW", [](HMODULE, LPWSTR buffer, DWORD) {
+        std::wcscpy(buffer, L"C:\\Tools\\setup.exe");
+        return DWORD{18};
+    });
+    EXPECT_EQ(KelInsSys::GetExecutableDirPath(), "C:\\Tools");
+    EXPECT_EQ(KelInsSys::GetExecutablePath(), "C:\\Tools\\setup.exe");
+    EXPECT_EQ(KelInsSys::GetExecutableDirPath(), "C:\\Tools");
+    ASSERT_EQ(hook.Calls().size(), 1U);
+    EXPECT_EQ(std::get<0>(hook.Calls()[0]), nullptr);
+    EXPECT_EQ(std::get<2>(hook.Calls()[0]), 260U);
+}
+
+TEST(GetExecutablePathIsolated, InTheRootOfADrive)
+{
+    const ModuleNameHook hook("GetModuleFileNameW", [](HMODULE, LPWSTR buffer, DWORD) {
+        std::wcscpy(buffer, L"C:\\setup.exe");
+        return DWORD{12};
+    });
+    EXPECT_EQ(KelInsSys::GetExecutableDirPath(), "C:");
+}
+
+TEST(GetExecutablePathIsolated, FailsThenTriesAgain)
+{
+    ModuleNameHook hook("GetModuleFileNameW");
+    hook.FailCall(1, 0, LastError(ERROR_MOD_NOT_FOUND));
+    hook.FailCall(2, 0, LastError(ERROR_ACCESS_DENIED));
+    ExpectThrowsText<std::runtime_error>([] { KelInsSys::GetExecutablePath(); },
+                                         "GetModuleFileName failed. - " +
+                                             KelInsSys::GetLastErrorMessage(ERROR_MOD_NOT_FOUND) + "\n");
+    ExpectThrowsText<std::runtime_error>([] { KelInsSys::GetExecutableDirPath(); },
+                                         "GetModuleFileName failed. - " +
+                                             KelInsSys::GetLastErrorMessage(ERROR_ACCESS_DENIED) + "\n");
+    EXPECT_THAT(KelInsSys::GetExecutableDirPath() + "\\dll_tests.exe", KelInsSys::GetExecutablePath());
+    EXPECT_EQ(hook.Calls().size(), 3U);
+}
+
+/// The system fills the buffer with as much as fits: with a NUL at its end, or, in older ones, without.
+TEST(GetExecutablePathIsolated, TruncatedWithoutNul)
+{
+    const ModuleNameHook hook("GetModuleFileNameW", [](HMODULE, LPWSTR buffer, DWORD units) {
+        std::wmemset(buffer, L'x', units);
+        return units;
+    });
+    EXPECT_EQ(KelInsSys::GetExecutablePath(), std::string(260, 'x'));
+}
+
+TEST(GetExecutablePathIsolated, TruncatedWithNul)
+{
+    const ModuleNameHook hook("GetModuleFileNameW", [](HMODULE, LPWSTR buffer, DWORD units) {
+        std::wmemset(buffer, L'x', units);
+        buffer[units - 1] = L'\0';
+        return units;
+    });
+    EXPECT_EQ(KelInsSys::GetExecutablePath(), std::string(259, 'x'));
+}
+
+/// A program that really lies deeper than 260 characters.
+TEST(GetExecutablePath, OfAProgramFarDownIsTruncated)
+{
+    const TempDirectory directory;
+    fs::path deep = fs::path(R"(\\?\)" + directory.Path());
+    for (int i = 0; i < 4; ++i)
+        deep /= std::string(100, static_cast<char>('a' + i));
+    fs::create_directories(deep);
+    const std::string program = (deep / "setup.exe").string();
+    fs::copy_file(ChildPath(), program);
+    const Report report = RunReportingChild("\"" + program + "\"");
+    EXPECT_THAT(report.arguments, ElementsAre(program));
+    const std::size_t length = report.executable.size();
+    EXPECT_TRUE(length == 259 || length == 260) << report.executable;
+    EXPECT_THAT(program, testing::HasSubstr(report.executable));
+    EXPECT_EQ(report.directory, KelInsIO::Path(report.executable).GetParent().GetPath());
+}
+
+} // namespace
