@@ -74,7 +74,10 @@ TEST_F(RegistryFromOutside, ExportShowsKeysNamesAndTexts)
     SetValue(key_, "", "default");
     SetValue(key_, "smallest", -2147483647 - 1);
     SetValue(key_, "\xC3\x84pfel \xE2\x82\xAC", "\xF0\x9F\x8D\x90 \\ \"quoted\"");
-    CreateKey(key_, "\xC3\xB6" R"(\below)", kNoView);
+    CreateKey(key_,
+              "\xC3\xB6"
+              R"(\below)",
+              kNoView);
     const std::string file = directory_ / "out.reg";
     Reg("export " + Quoted(path_) + " " + Quoted(file) + " /y");
     std::string expected = "Windows Registry Editor Version 5.00\n\n";

@@ -1,51 +1,14 @@
-#include "SystemFailure.h"
+#include "RegistryFixtures.h"
 
 #include "tests/support/ExpectThrowsText.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/ImportHook.h"
-#include "tests/support/RegistryRoot.h"
 #include <KelInsInfra/foundation/KelInsString.h>
-#include <KelInsInfra/registry/KelInsReg.h>
-#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
 
 using namespace KelInsReg;
-using Names = std::vector<std::string>;
-
-constexpr auto kNoView = RegistryView::DoNotForceRegView;
-
-/// What the system's own calls say about the keys below one.
-bool Exists(HKEY parent, const std::string& path)
-{
-    HKEY key = nullptr;
-    if (::RegOpenKeyExW(parent, KelInsString::Widen(path).c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
-        return false;
-    ::RegCloseKey(key);
-    return true;
-}
-
-void MakeKey(HKEY parent, const std::wstring& path)
-{
-    HKEY key = nullptr;
-    ASSERT_EQ(::RegCreateKeyW(parent, path.c_str(), &key), ERROR_SUCCESS);
-    ::RegCloseKey(key);
-}
-
-HKEY Duplicate(HKEY key)
-{
-    HKEY copy = nullptr;
-    EXPECT_EQ(::RegOpenKeyExW(key, L"", 0, KEY_ALL_ACCESS, &copy), ERROR_SUCCESS);
-    return copy;
-}
-
-class RegistryKeys : public testing::Test
-{
-protected:
-    const RegistryRoot root_;
-    const Key parent_{Duplicate(root_.Handle())};
-};
 
 // Names of root keys
 
@@ -337,84 +300,6 @@ TEST_F(RegistryKeys, DeepAndWideTreesAreDeleted)
     EXPECT_FALSE(Exists(root_.Handle(), "a"));
 }
 
-// Listing
-
-TEST_F(RegistryKeys, SubkeysOfAKeyWithoutAnyEmptyTheVector)
-{
-    Names names = {"left", "over"};
-    EXPECT_EQ(GetSubkeys(parent_, names), 0U);
-    EXPECT_EQ(names, Names());
-}
-
-TEST_F(RegistryKeys, SubkeysReplaceTheVectorsContentAndLeaveDeeperOnesOut)
-{
-    MakeKey(root_.Handle(), L"a\\deeper");
-    MakeKey(root_.Handle(), L"b");
-    Names names = {"left", "over", "from", "before"};
-    EXPECT_EQ(GetSubkeys(parent_, names), 2U);
-    EXPECT_EQ(names, (Names{"a", "b"}));
-}
-
-TEST_F(RegistryKeys, SubkeysOf255UnitsAreListed)
-{
-    const std::wstring longest(255, L'\u00E4');
-    MakeKey(root_.Handle(), longest);
-    Names names;
-    EXPECT_EQ(GetSubkeys(parent_, names), 1U);
-    EXPECT_EQ(names, Names{KelInsString::Narrow(longest)});
-}
-
-TEST_F(RegistryKeys, ThousandsOfSubkeysComeInTheSystemsOrder)
-{
-    constexpr DWORD count = 3000;
-    for (DWORD i = 0; i < count; ++i)
-        MakeKey(root_.Handle(), L"k" + std::to_wstring(i * 7919 % count));
-    Names names;
-    EXPECT_EQ(GetSubkeys(parent_, names), count);
-    ASSERT_EQ(names.size(), count);
-    for (DWORD i = 0; i < count; i += 101) {
-        wchar_t name[256];
-        DWORD unitCount = 256;
-        ASSERT_EQ(::RegEnumKeyExW(root_.Handle(), i, name, &unitCount, nullptr, nullptr, nullptr, nullptr), 0);
-        EXPECT_EQ(names[i], KelInsString::Narrow(name));
-    }
-    std::sort(names.begin(), names.end());
-    EXPECT_EQ(std::unique(names.begin(), names.end()), names.end());
-}
-
-TEST_F(RegistryKeys, FailedListingEmptiesTheVector)
-{
-    for (const wchar_t* name : {L"a", L"b", L"c"})
-        MakeKey(root_.Handle(), name);
-    ImportHook<LSTATUS(HKEY, DWORD, LPWSTR, LPDWORD, LPDWORD, LPWSTR, LPDWORD, PFILETIME)> hook("RegEnumKeyExW");
-    hook.FailCall(3, ERROR_MORE_DATA, NoCode());
-    Names names = {"left over"};
-    ExpectThrowsText<std::runtime_error>([&] { GetSubkeys(parent_, names); },
-                                         SystemFailure("GetSubkeys - ", ERROR_MORE_DATA));
-    EXPECT_EQ(names, Names());
-    DWORD index = 0;
-    for (const auto& call : hook.Calls()) {
-        EXPECT_EQ(std::get<0>(call), parent_.GetKey());
-        EXPECT_EQ(std::get<1>(call), index++);
-    }
-}
-
-TEST_F(RegistryKeys, ListingAsksFor256UnitsEachTime)
-{
-    for (const wchar_t* name : {L"a", L"bb"})
-        MakeKey(root_.Handle(), name);
-    std::vector<DWORD> sizes;
-    ImportHook<LSTATUS(HKEY, DWORD, LPWSTR, LPDWORD, LPDWORD, LPWSTR, LPDWORD, PFILETIME)> hook(
-        "RegEnumKeyExW",
-        [&](HKEY key, DWORD index, LPWSTR name, LPDWORD unitCount, LPDWORD, LPWSTR, LPDWORD, PFILETIME) {
-            sizes.push_back(*unitCount);
-            return ::RegEnumKeyExW(key, index, name, unitCount, nullptr, nullptr, nullptr, nullptr);
-        });
-    Names names;
-    GetSubkeys(parent_, names);
-    EXPECT_EQ(sizes, std::vector<DWORD>(3, 256));
-}
-
 // Failures
 
 TEST(RegistryKeysFail, AnEmptyParentIsRefusedByEveryOperation)
@@ -435,112 +320,6 @@ TEST(RegistryKeysFail, AnEmptyParentIsRefusedByEveryOperation)
                                          SystemFailure("GetSubkeys - ", ERROR_INVALID_HANDLE));
     EXPECT_EQ(names, Names());
 }
-
-struct ViewCase
-{
-    const char* label;
-    std::uint32_t view;
-    REGSAM flag; ///< on 64-bit Windows
-    const char* name;
-    bool deletesWithView;
-};
-
-constexpr ViewCase kViews[] = {
-    {"DoNotForce", 0, 0, "DoNotForceRegView", false},
-    {"Force32", 1, KEY_WOW64_32KEY, "Force32RegView", true},
-    {"Force64", 2, KEY_WOW64_64KEY, "Force64RegView", true},
-    {"Unknown3", 3, 0, "DoNotForceRegView", true},
-    {"UnknownHighest", 0xFFFFFFFF, 0, "DoNotForceRegView", true},
-};
-
-void Report32BitProcessor(SYSTEM_INFO* info)
-{
-    *info = {};
-    info->wProcessorArchitecture = PROCESSOR_ARCHITECTURE_INTEL;
-}
-
-/// The calls that a view leads to, each failing with a code of its own.
-class Views : public testing::TestWithParam<ViewCase>
-{
-protected:
-    static constexpr RootKey kParent = RootKey::CurrentUser;
-    const RegistryView view_ = static_cast<RegistryView>(GetParam().view);
-    const std::string name_ = GetParam().name;
-
-    void ExpectCalls(REGSAM flag, bool deletesWithView)
-    {
-        ExpectOpening(AccessRights::ReadOnly, "ReadOnly", KEY_READ | flag);
-        ExpectOpening(AccessRights::ReadWrite, "ReadWrite", KEY_READ | KEY_WRITE | flag);
-        ExpectOpening(static_cast<AccessRights>(2), "ReadOnly", KEY_READ | flag);
-        ExpectCreation(flag);
-        ExpectDeletion(flag, deletesWithView);
-    }
-
-private:
-    void ExpectOpening(AccessRights access, const std::string& accessName, REGSAM mask)
-    {
-        ImportHook<LSTATUS(HKEY, LPCWSTR, DWORD, REGSAM, PHKEY)> hook("RegOpenKeyExW");
-        hook.FailFrom(1, ERROR_BADKEY, NoCode());
-        ExpectThrowsText<std::runtime_error>(
-            [&] { OpenKey(kParent, R"(a\b)", access, view_); },
-            SystemFailure(R"(OpenKey - a\b, )" + accessName + ", " + name_, ERROR_BADKEY));
-        ASSERT_EQ(hook.Calls().size(), 1U);
-        const auto& [parent, path, options, actualMask, result] = hook.Calls().front();
-        EXPECT_EQ(parent, HKEY_CURRENT_USER);
-        EXPECT_EQ(path, L"a\\b");
-        EXPECT_EQ(options, 0U);
-        EXPECT_EQ(actualMask, mask);
-    }
-
-    void ExpectCreation(REGSAM flag)
-    {
-        ImportHook<LSTATUS(HKEY, LPCWSTR, DWORD, LPWSTR, DWORD, REGSAM, LPSECURITY_ATTRIBUTES, PHKEY, LPDWORD)> hook(
-            "RegCreateKeyExW");
-        hook.FailFrom(1, ERROR_CANTWRITE, NoCode());
-        ExpectThrowsText<std::runtime_error>([&] { CreateKey(kParent, R"(a\b)", view_); },
-                                             SystemFailure(R"(CreateKey - a\b, )" + name_, ERROR_CANTWRITE));
-        ASSERT_EQ(hook.Calls().size(), 1U);
-        const auto& [parent, path, reserved, keyClass, options, mask, security, result, disposition] =
-            hook.Calls().front();
-        EXPECT_EQ(parent, HKEY_CURRENT_USER);
-        EXPECT_EQ(path, L"a\\b");
-        EXPECT_EQ(reserved, 0U);
-        EXPECT_EQ(keyClass, nullptr);
-        EXPECT_EQ(options, 0U);
-        EXPECT_EQ(mask, KEY_READ | KEY_WRITE | flag);
-        EXPECT_EQ(security, nullptr);
-        EXPECT_EQ(disposition, nullptr);
-    }
-
-    void ExpectDeletion(REGSAM flag, bool withView)
-    {
-        ImportHook<LSTATUS(HKEY, LPCWSTR)> plain("RegDeleteKeyW");
-        ImportHook<LSTATUS(HKEY, LPCWSTR, REGSAM, DWORD)> viewed("RegDeleteKeyExW");
-        plain.FailFrom(1, ERROR_ACCESS_DENIED, NoCode());
-        viewed.FailFrom(1, ERROR_ACCESS_DENIED, NoCode());
-        ExpectThrowsText<std::runtime_error>([&] { DeleteKey(kParent, R"(a\b)", view_); },
-                                             SystemFailure(R"(DeleteKey - a\b, )" + name_, ERROR_ACCESS_DENIED));
-        using Plain = decltype(plain)::Call;
-        using Viewed = decltype(viewed)::Call;
-        const Plain expectedPlain(HKEY_CURRENT_USER, L"a\\b");
-        const Viewed expectedViewed(HKEY_CURRENT_USER, L"a\\b", flag, 0);
-        EXPECT_EQ(plain.Calls(), withView ? std::vector<Plain>() : std::vector{expectedPlain});
-        EXPECT_EQ(viewed.Calls(), withView ? std::vector{expectedViewed} : std::vector<Viewed>());
-    }
-};
-
-TEST_P(Views, SetTheirFlagAndTheirNameOn64BitWindows)
-{
-    ExpectCalls(GetParam().flag, GetParam().deletesWithView);
-}
-
-TEST_P(Views, SetNoFlagOn32BitWindowsButKeepTheirName)
-{
-    const ImportSlots processor("GetSystemInfo", {}, reinterpret_cast<void*>(&Report32BitProcessor));
-    ExpectCalls(0, false);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, Views, testing::ValuesIn(kViews), LabelOf<ViewCase>);
 
 TEST(RegistryKeysLeak, ThousandCallsOfEachOperationLeaveNoHandle)
 {

@@ -1,19 +1,13 @@
-#include "SystemFailure.h"
+#include "RegistryFixtures.h"
 
 #include "tests/support/ExpectThrowsText.h"
-#include "tests/support/RegistryRoot.h"
-#include <KelInsInfra/foundation/KelInsString.h>
-#include <KelInsInfra/registry/KelInsReg.h>
 #include <gtest/gtest.h>
 
 namespace {
 
 using namespace KelInsReg;
-using Names = std::vector<std::string>;
 
-constexpr auto kNoView = RegistryView::DoNotForceRegView;
-
-bool Exists(HKEY parent, const std::string& path, REGSAM viewFlag)
+bool ExistsIn(HKEY parent, const std::string& path, REGSAM viewFlag)
 {
     HKEY key = nullptr;
     if (::RegOpenKeyExW(parent, KelInsString::Widen(path).c_str(), 0, KEY_READ | viewFlag, &key) != ERROR_SUCCESS)
@@ -50,7 +44,7 @@ protected:
 TEST_P(RegistryRoots, KeysStandUnderIt)
 {
     SetValue(CreateKey(root_, R"(a\b)", kNoView), "name", 5);
-    EXPECT_TRUE(Exists(stand_.Handle(), R"(a\b)", 0));
+    EXPECT_TRUE(Exists(stand_.Handle(), R"(a\b)"));
     std::int32_t value = 0;
     GetValue(OpenKey(root_, R"(a\b)", AccessRights::ReadOnly, kNoView), "name", value, kNoView);
     EXPECT_EQ(value, 5);
@@ -58,10 +52,10 @@ TEST_P(RegistryRoots, KeysStandUnderIt)
     EXPECT_EQ(GetSubkeys(root_, names), 1U);
     EXPECT_EQ(names, Names{"a"});
     DeleteKey(root_, R"(a\b)", kNoView);
-    EXPECT_FALSE(Exists(stand_.Handle(), R"(a\b)", 0));
+    EXPECT_FALSE(Exists(stand_.Handle(), R"(a\b)"));
     CreateKey(root_, R"(a\c\d)", kNoView);
     DeleteKeyTree(root_, "a", kNoView);
-    EXPECT_FALSE(Exists(stand_.Handle(), "a", 0));
+    EXPECT_FALSE(Exists(stand_.Handle(), "a"));
 }
 
 TEST_P(RegistryRoots, ValuesStandRightUnderIt)
@@ -121,9 +115,9 @@ protected:
     const RegistryRoot in64_{HKEY_LOCAL_MACHINE, KEY_WOW64_64KEY, in32_.Path()};
     const std::string key_ = in32_ / "a"; // in neither view yet; above it, both have the same
 
-    bool In32() const { return Exists(HKEY_LOCAL_MACHINE, key_, KEY_WOW64_32KEY); }
+    bool In32() const { return ExistsIn(HKEY_LOCAL_MACHINE, key_, KEY_WOW64_32KEY); }
 
-    bool In64() const { return Exists(HKEY_LOCAL_MACHINE, key_, KEY_WOW64_64KEY); }
+    bool In64() const { return ExistsIn(HKEY_LOCAL_MACHINE, key_, KEY_WOW64_64KEY); }
 };
 
 TEST_F(RegistryViews, Force32CreatesInThe32BitView)
@@ -132,7 +126,7 @@ TEST_F(RegistryViews, Force32CreatesInThe32BitView)
     EXPECT_TRUE(In32());
     EXPECT_FALSE(In64());
     const std::string inside = "Software\\Wow6432Node" + key_.substr(std::string("Software").size());
-    EXPECT_TRUE(Exists(HKEY_LOCAL_MACHINE, inside, KEY_WOW64_64KEY)); // where the 64-bit view shows the other one
+    EXPECT_TRUE(ExistsIn(HKEY_LOCAL_MACHINE, inside, KEY_WOW64_64KEY)); // where the 64-bit view shows the other one
 }
 
 TEST_F(RegistryViews, Force64CreatesInThe64BitView)
@@ -188,7 +182,7 @@ TEST_F(RegistryViews, TreesAreOfOneViewAlone)
     CreateKey(kRoot, key_ + R"(\b\only64)", RegistryView::Force64RegView);
     DeleteKeyTree(kRoot, key_, RegistryView::Force32RegView);
     EXPECT_FALSE(In32());
-    EXPECT_TRUE(Exists(HKEY_LOCAL_MACHINE, key_ + R"(\b\only64)", KEY_WOW64_64KEY));
+    EXPECT_TRUE(ExistsIn(HKEY_LOCAL_MACHINE, key_ + R"(\b\only64)", KEY_WOW64_64KEY));
     DeleteKeyTree(kRoot, key_, RegistryView::Force64RegView);
     EXPECT_FALSE(In64());
 }

@@ -1,5 +1,5 @@
-// installed_versions_probe UPGRADE_CODE: prints each entry of KelInsMSI::GetVersion as "version|message|detail|code", then
-// whether a version was found.
+// installed_versions_probe UPGRADE_CODE: prints each entry of KelInsMSI::GetVersion as "version|message|detail|code",
+// then whether a version was found.
 
 #include <KelInsInfra/registry/KelInsMSI.h>
 #include <iostream>
