@@ -95,10 +95,15 @@ std::vector<std::string> SubkeysOf(HKEY parent, const std::string& subkey, Regis
     return names;
 }
 
+std::string Below(const std::string& subkey, const std::string& name)
+{
+    return subkey + '\\' + name;
+}
+
 void DeleteSubkeyTree(HKEY parent, const std::string& subkey, RegistryView view)
 {
     for (const std::string& name : SubkeysOf(parent, subkey, view)) {
-        const std::string path = subkey + '\\' + name;
+        const std::string path = Below(subkey, name);
         if (name.empty()) // begins with a NUL, to hide it: its path would name the key above it, again and again
             FailToOpen(path, AccessRights::ReadOnly, view, ERROR_FILE_NOT_FOUND);
         DeleteSubkeyTree(parent, path, view);
