@@ -40,6 +40,20 @@ TEST_F(RegistryKeys, SubkeysOf255UnitsAreListed)
     EXPECT_EQ(names, Names{KelInsString::Narrow(longest)});
 }
 
+TEST_F(RegistryKeys, LongerSubkeysAreRefused)
+{
+    MakeKey(root_.Handle(), L"a");
+    const std::wstring tooLong(256, L'b');
+    HKEY key = nullptr;
+    if (::RegCreateKeyW(root_.Handle(), tooLong.c_str(), &key) != ERROR_SUCCESS)
+        GTEST_SKIP() << "Windows makes no key with such a name; Wine does";
+    ::RegCloseKey(key);
+    Names names = {"left over"};
+    ExpectThrowsText<std::runtime_error>([&] { GetSubkeys(parent_, names); },
+                                         SystemFailure("GetSubkeys - ", ERROR_MORE_DATA));
+    EXPECT_EQ(names, Names());
+}
+
 TEST_F(RegistryKeys, ThousandsOfSubkeysComeInTheSystemsOrder)
 {
     constexpr DWORD count = 3000;

@@ -16,7 +16,9 @@ struct ViewCase
     std::uint32_t view;
     REGSAM flag; ///< on 64-bit Windows
     const char* name;
-    bool deletesWithView;
+    bool deletesWithView; ///< on 64-bit Windows
+
+    friend void PrintTo(const ViewCase& c, std::ostream* out) { *out << c.label; }
 };
 
 constexpr ViewCase kViews[] = {
