@@ -1,0 +1,104 @@
+#include <KelInsInfra/foundation/KelInsString.h>
+#include <KelInsInfra/foundation/internal/WindowsApi.h>
+#include <KelInsInfra/registry/KelInsMSI.h>
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <msi.h>
+
+namespace KelInsMSI {
+namespace {
+
+constexpr DWORD kMaxListings = 99;
+constexpr DWORD kVersionUnits = 64;
+
+/// msi.dll, once it is wanted; it stays loaded. Null and the last error when it cannot be had.
+HMODULE InstallerLibrary()
+{
+    static std::atomic<HMODULE> library; // two first calls at once both load it, which is harmless
+    if (library == nullptr)
+        library = ::LoadLibraryExW(L"msi.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+    return library;
+}
+
+/// Calls a function of msi.dll. Where it cannot be had, the result is the code of that failure.
+template <typename Function, typename... Arguments>
+UINT CallInstaller(const char* name, Arguments... arguments)
+{
+    const HMODULE library = InstallerLibrary();
+    const FARPROC address = library == nullptr ? nullptr : ::GetProcAddress(library, name);
+    if (address == nullptr)
+        return ::GetLastError();
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(address))(arguments...);
+}
+
+Version ListingFailure(UINT status, const std::string& upgradeCode)
+{
+    const auto code = static_cast<std::int32_t>(status);
+    switch (status) {
+    case ERROR_BAD_CONFIGURATION:
+        return {"The configuration data is corrupt",
+                R"(Invalid value in HKEY_CLASSES_ROOT\Installer\UpgradeCodes\)" + UUIDtoRegistryKey(upgradeCode), code};
+    case ERROR_INVALID_PARAMETER:
+        return {"An invalid parameter was passed to the function", "Invalid Upgrade Code: " + upgradeCode, code};
+    default:
+        return {"MsiEnumRelatedProducts failed", "Unknown error for Upgrade Code: " + upgradeCode, code};
+    }
+}
+
+/// @param value  what the failed call left of the version.
+Version ProductFailure(UINT status, const std::string& productCode, const std::string& value)
+{
+    const auto code = static_cast<std::int32_t>(status);
+    switch (status) {
+    case ERROR_UNKNOWN_PRODUCT:
+        return {"The product is unadvertised or uninstalled",
+                R"(Unknown key HKEY_CLASSES_ROOT\Installer\Products\)" + UUIDtoRegistryKey(productCode), code};
+    case ERROR_UNKNOWN_PROPERTY:
+        return {"The property is unrecognized",
+                R"(Invalid data in HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Installer\)"
+                R"(UserData\S-1-5-18\Products\)" +
+                    UUIDtoRegistryKey(productCode),
+                code};
+    default: // the value, not the product code: kept for readers of the first release's reports
+        return {"MsiGetProductInfo failed", "Unknown error for Product Code: " + value, code};
+    }
+}
+
+Version ReadVersion(const wchar_t* productCode)
+{
+    std::array<wchar_t, kVersionUnits + 1> value{}; // one unit is never written: a NUL whatever the call leaves
+    DWORD unitCount = kVersionUnits;
+    const UINT status = CallInstaller<decltype(::MsiGetProductInfoW)>(
+        "MsiGetProductInfoW", productCode, INSTALLPROPERTY_VERSIONSTRING, value.data(), &unitCount);
+    if (status == ERROR_SUCCESS)
+        return KelInsString::Narrow(value.data());
+    return ProductFailure(status, KelInsString::Narrow(productCode), KelInsString::Narrow(value.data()));
+}
+
+} // namespace
+
+std::vector<Version> GetVersion(const std::string& upgradeCode)
+{
+    const std::wstring wideUpgradeCode = KelInsString::Widen(upgradeCode);
+    std::vector<Version> versions;
+    for (DWORD index = 0; index < kMaxListings; ++index) {
+        std::array<wchar_t, MAX_GUID_CHARS + 1> productCode{};
+        const UINT status = CallInstaller<decltype(::MsiEnumRelatedProductsW)>(
+            "MsiEnumRelatedProductsW", wideUpgradeCode.c_str(), DWORD{0}, index, productCode.data());
+        if (status == ERROR_NO_MORE_ITEMS)
+            break;
+        versions.push_back(status == ERROR_SUCCESS ? ReadVersion(productCode.data())
+                                                   : ListingFailure(status, upgradeCode));
+        if (status == ERROR_INVALID_PARAMETER)
+            break;
+    }
+    return versions;
+}
+
+bool HasFoundVersion(const std::vector<Version>& versions)
+{
+    return std::any_of(versions.begin(), versions.end(), [](const Version& version) { return version.errorCode == 0; });
+}
+
+} // namespace KelInsMSI
