@@ -21,18 +21,20 @@ public:
 private:
     void OutsideQuotes(char c)
     {
-        if (std::exchange(escaped_, false))
+        if (std::exchange(escaped_, false)) {
             token_ += c;
-        else if (c == ' ' && !token_.empty())
-            EndToken();
-        else if (c == '\'')
-            state_ = &Splitter::InSingleQuotes;
-        else if (c == '"')
-            state_ = &Splitter::InDoubleQuotes;
-        else if (c == '\\')
-            escaped_ = true;
-        else if (c != ' ')
-            token_ += c;
+            return;
+        }
+        switch (c) {
+        case ' ':
+            if (!token_.empty())
+                EndToken();
+            break;
+        case '\'': state_ = &Splitter::InSingleQuotes; break;
+        case '"': state_ = &Splitter::InDoubleQuotes; break;
+        case '\\': escaped_ = true; break;
+        default: token_ += c;
+        }
     }
 
     void InSingleQuotes(char c)
