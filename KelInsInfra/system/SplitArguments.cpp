@@ -30,10 +30,17 @@ private:
             if (!token_.empty())
                 EndToken();
             break;
-        case '\'': state_ = &Splitter::InSingleQuotes; break;
-        case '"': state_ = &Splitter::InDoubleQuotes; break;
-        case '\\': escaped_ = true; break;
-        default: token_ += c;
+        case '\'':
+            state_ = &Splitter::InSingleQuotes;
+            break;
+        case '"':
+            state_ = &Splitter::InDoubleQuotes;
+            break;
+        case '\\':
+            escaped_ = true;
+            break;
+        default:
+            token_ += c;
         }
     }
 
