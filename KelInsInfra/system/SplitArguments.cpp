@@ -21,18 +21,27 @@ public:
 private:
     void OutsideQuotes(char c)
     {
-        if (std::exchange(escaped_, false))
+        if (std::exchange(escaped_, false)) {
             token_ += c;
-        else if (c == ' ' && !token_.empty())
-            EndToken();
-        else if (c == '\'')
+            return;
+        }
+        switch (c) {
+        case ' ':
+            if (!token_.empty())
+                EndToken();
+            break;
+        case '\'':
             state_ = &Splitter::InSingleQuotes;
-        else if (c == '"')
+            break;
+        case '"':
             state_ = &Splitter::InDoubleQuotes;
-        else if (c == '\\')
+            break;
+        case '\\':
             escaped_ = true;
-        else if (c != ' ')
+            break;
+        default:
             token_ += c;
+        }
     }
 
     void InSingleQuotes(char c)
