@@ -7,9 +7,10 @@ namespace JSON {
 
 Array::~Array()
 {
-    for (std::shared_ptr<Value>& element : elements_) {
-        if (IsLastOwnerOfContainer(element))
-            TakeApart(std::move(element));
+    while (std::shared_ptr<Value>* const last = LastChild()) {
+        if (IsLastOwnerOfContainer(*last))
+            TakeApart(std::move(*last));
+        DropLastChild();
     }
 }
 
@@ -38,16 +39,6 @@ void Array::Append(std::shared_ptr<Value> value)
     if (elements_.capacity() == 0)
         elements_.reserve(2); // pairs are common, and one element alone is not worth a block of its own
     elements_.push_back(std::move(value));
-}
-
-std::shared_ptr<Value>* Array::LastChild() noexcept
-{
-    return elements_.empty() ? nullptr : &elements_.back();
-}
-
-void Array::DropLastChild() noexcept
-{
-    elements_.pop_back();
 }
 
 } // namespace JSON

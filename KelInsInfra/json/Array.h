@@ -22,8 +22,8 @@ public:
     const std::vector<std::shared_ptr<Value>>& Elements() const { return elements_; }
 
     /// For taking a document apart: the last child's place, null where none is left.
-    std::shared_ptr<Value>* LastChild() noexcept;
-    void DropLastChild() noexcept;
+    std::shared_ptr<Value>* LastChild() noexcept { return elements_.empty() ? nullptr : &elements_.back(); }
+    void DropLastChild() noexcept { elements_.pop_back(); }
 
 private:
     std::vector<std::shared_ptr<Value>> elements_;

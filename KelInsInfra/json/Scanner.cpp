@@ -1820,6 +1820,9 @@ static const yy_state_type yy_NUL_trans[45] =
 #define YY_BUF_SIZE 16384
 #define YY_READ_BUF_SIZE INT_MAX /* fill the buffer, however much it has grown: a long number is matched anew per refill */
 
+/* Extends a match of one byte by the white space after it, which the next match would skip anyway. */
+#define SkipWhiteSpace() yyless(static_cast<int>(1 + JSON::WhiteSpaceRun(BytesAhead())))
+
 using Token = JSON::Parser::token;
 
 namespace {
@@ -2046,19 +2049,19 @@ YY_RULE_SETUP
 	YY_BREAK
 case 6:
 YY_RULE_SETUP
-return Token::TOKEN_OBJECT_OPEN;
+SkipWhiteSpace(); return Token::TOKEN_OBJECT_OPEN;
 	YY_BREAK
 case 7:
 YY_RULE_SETUP
-return Token::TOKEN_OBJECT_CLOSE;
+SkipWhiteSpace(); return Token::TOKEN_OBJECT_CLOSE;
 	YY_BREAK
 case 8:
 YY_RULE_SETUP
-return Token::TOKEN_ARRAY_OPEN;
+SkipWhiteSpace(); return Token::TOKEN_ARRAY_OPEN;
 	YY_BREAK
 case 9:
 YY_RULE_SETUP
-return Token::TOKEN_ARRAY_CLOSE;
+SkipWhiteSpace(); return Token::TOKEN_ARRAY_CLOSE;
 	YY_BREAK
 case 10:
 YY_RULE_SETUP
@@ -2081,16 +2084,16 @@ return Token::TOKEN_NULL;
 	YY_BREAK
 case 14:
 YY_RULE_SETUP
-return Token::TOKEN_COMMA;
+SkipWhiteSpace(); return Token::TOKEN_COMMA;
 	YY_BREAK
 case 15:
 YY_RULE_SETUP
-return Token::TOKEN_COLON;
+SkipWhiteSpace(); return Token::TOKEN_COLON;
 	YY_BREAK
 case 16:
 /* rule 16 can match eol */
 YY_RULE_SETUP
-yyless(static_cast<int>(1 + JSON::WhiteSpaceRun(BytesAhead())));
+SkipWhiteSpace();
 	YY_BREAK
 case 17:
 YY_RULE_SETUP

@@ -21,14 +21,6 @@ void DropLastChild(Value& container) noexcept
 
 } // namespace
 
-bool IsLastOwnerOfContainer(const std::shared_ptr<Value>& value) noexcept
-{
-    if (!value || !(value->IsArray() || value->IsObject()) || value.use_count() != 1)
-        return false;
-    std::shared_ptr<Value>(value).reset(); // use_count alone does not order us after the owners that let go before
-    return true;
-}
-
 void TakeApart(std::shared_ptr<Value> container) noexcept
 {
     std::shared_ptr<Value> parent; // each container on the way up lies in the last place of the one taken apart in it

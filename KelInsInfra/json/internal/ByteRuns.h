@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
@@ -18,10 +19,17 @@ inline std::uint64_t EightBytes(const char* bytes)
     return word;
 }
 
-/// Whether one of the eight bytes is zero.
-constexpr bool HasZeroByte(std::uint64_t word)
+/// Of the eight bytes, the lowest zero one has its highest bit set in the result; 0 if there is none.
+constexpr std::uint64_t FirstZeroByte(std::uint64_t word)
 {
-    return ((word - EachByte(1)) & ~word & EachByte(0x80)) != 0;
+    return (word - EachByte(1)) & ~word & EachByte(0x80);
+}
+
+/// Index of the byte in memory to which the lowest set bit belongs.
+constexpr std::size_t ByteOfLowestBit(std::uint64_t word)
+{
+    static_assert(std::endian::native == std::endian::little);
+    return static_cast<std::size_t>(std::countr_zero(word)) / 8;
 }
 
 /// Number of bytes before the first quote or backslash.
@@ -30,27 +38,36 @@ inline std::size_t PlainStringRun(std::string_view text)
     std::size_t i = 0;
     for (; i + 8 <= text.size(); i += 8) {
         const std::uint64_t word = EightBytes(text.data() + i);
-        if (HasZeroByte(word ^ EachByte('"')) || HasZeroByte(word ^ EachByte('\\')))
-            break;
+        const std::uint64_t found = FirstZeroByte(word ^ EachByte('"')) | FirstZeroByte(word ^ EachByte('\\'));
+        if (found != 0)
+            return i + ByteOfLowestBit(found);
     }
     while (i < text.size() && text[i] != '"' && text[i] != '\\')
         ++i;
     return i;
 }
 
+constexpr bool IsWhiteSpace(char c)
+{
+    return c == ' ' || c == '\n' || c == '\t';
+}
+
 /// Number of blanks, tabs and line feeds at the beginning.
 inline std::size_t WhiteSpaceRun(std::string_view text)
 {
     std::size_t i = 0;
-    for (;;) {
-        while (i + 8 <= text.size() && EightBytes(text.data() + i) == EachByte(' '))
+    while (i < text.size() && IsWhiteSpace(text[i])) {
+        ++i;
+        while (i + 8 <= text.size()) { // the rest of the line's indentation
+            const std::uint64_t others = EightBytes(text.data() + i) ^ EachByte(' ');
+            if (others != 0) {
+                i += ByteOfLowestBit(others);
+                break;
+            }
             i += 8;
-        const std::size_t begin = i;
-        while (i < text.size() && i < begin + 8 && (text[i] == ' ' || text[i] == '\t' || text[i] == '\n'))
-            ++i;
-        if (i < begin + 8)
-            return i;
+        }
     }
+    return i;
 }
 
 } // namespace JSON
