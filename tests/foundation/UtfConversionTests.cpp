@@ -82,6 +82,30 @@ TEST(Utf, EveryLengthRoundTrips)
     }
 }
 
+/// One character outside ASCII at every place of texts of every length around the block sizes.
+TEST(Utf, CharacterOutsideAsciiAnywhere)
+{
+    for (const std::size_t length : {1U, 2U, 15U, 16U, 17U, 31U, 32U, 33U, 64U, 511U, 512U, 513U, 600U}) {
+        for (std::size_t place = 0; place < length; ++place) {
+            for (const wchar_t unit : {L'\u007F', L'\u0080', L'\u00FF', L'\u0100', L'\u8041'}) {
+                std::wstring wide(length, L'x');
+                wide[place] = unit;
+                const std::string narrow = Narrow(wide);
+                ASSERT_EQ(narrow.size(), length - 1U + (unit < 0x80 ? 1U : unit < 0x800 ? 2U : 3U));
+                ASSERT_EQ(Widen(narrow), wide) << length << ' ' << place;
+            }
+        }
+    }
+}
+
+TEST(Utf, UnpairedSurrogatesAndInvalidBytesAreTheSystems)
+{
+    EXPECT_EQ(Narrow(L"a\xD800z"), "a\xEF\xBF\xBDz");
+    EXPECT_EQ(Narrow(L"\xDC00"), "\xEF\xBF\xBD");
+    EXPECT_EQ(Widen("a\xFFz"), L"a\xFFFDz");
+    EXPECT_EQ(Widen("a\x80z"), L"a\xFFFDz");
+}
+
 TEST(Utf, LargeTextRoundTrips)
 {
     const std::string text(3'000'000, 'x');

@@ -50,7 +50,8 @@ private:
     static Handle InvalidValue()
     {
         if constexpr (std::is_pointer_v<Handle>)
-            return reinterpret_cast<Handle>(static_cast<std::intptr_t>(Invalid)); // INVALID_HANDLE_VALUE is -1
+            // NOLINTNEXTLINE(performance-no-int-to-ptr): the system defines this handle value so
+            return reinterpret_cast<Handle>(static_cast<std::intptr_t>(Invalid));
         else
             return Invalid;
     }

@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# Builds and runs the benchmark programs, natively and as Windows programs under Wine, ours and its peers alternating in one
+# process, and writes docs/benchmarks.md.
+#
+#   scripts/bench.sh                all of them
+#   scripts/bench.sh io config      only the programs whose name begins so; the report then holds only these
+#   scripts/bench.sh --quick        one short round of each, no report: shows that they still run
+set -euo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$root"
+
+quick=
+wanted=()
+for argument in "$@"; do
+    case $argument in
+        --quick) quick=1 ;;
+        -h | --help) sed -n '2,7s/^# \?//p' "${BASH_SOURCE[0]}"; exit 0 ;;
+        *) wanted+=("$argument") ;;
+    esac
+done
+
+scripts/install.sh --benchmarks
+scripts/wine-prefix.sh
+results=$root/build/bench
+rm -rf "$results" && mkdir -p "$results"
+
+options=(--benchmark_enable_random_interleaving=true --benchmark_repetitions=9 --benchmark_min_time=0.1
+    --benchmark_report_aggregates_only=false)
+[ -z "$quick" ] || options=(--benchmark_min_time=0.001)
+
+chosen() { # NAME: whether the command line asks for it
+    [ "${#wanted[@]}" -eq 0 ] && return 0
+    local prefix
+    for prefix in "${wanted[@]}"; do [[ $1 == "$prefix"* ]] && return 0; done
+    return 1
+}
+
+pin=(taskset -c $(($(nproc) - 1))) # one core: a server round trip of Wine costs a sixth of what it does on two
+for preset in native mingw; do
+    echo "== $preset: build"
+    cmake --preset "$preset" -DKELINS_BENCHMARKS=ON >"$results/$preset.configure.log" 2>&1 ||
+        { tail -n 20 "$results/$preset.configure.log"; exit 1; }
+    cmake --build --preset "$preset" >"$results/$preset.build.log" 2>&1 ||
+        { grep -E 'error|FAILED' "$results/$preset.build.log" | head -n 20; exit 1; }
+    for program in "$root/build/$preset/bin/"*_benchmarks "$root/build/$preset/bin/"*_benchmarks.exe; do
+        [ -f "$program" ] || continue
+        name=$(basename "$program" .exe)
+        chosen "$name" || continue
+        echo "== $preset: $name"
+        run=("$program")
+        [ "$preset" = native ] || run=("$root/scripts/wine.sh" "$program")
+        (cd "$results" && "${pin[@]}" "${run[@]}" "${options[@]}" \
+            --benchmark_out="$preset.$name.json" --benchmark_out_format=json >"$preset.$name.log" 2>&1 </dev/null) ||
+            { tail -n 20 "$results/$preset.$name.log"; exit 1; }
+    done
+done
+[ -n "$quick" ] && { echo "every benchmark runs"; exit 0; }
+
+python3 scripts/bench_report.py "$results" benchmarks/targets.json >docs/benchmarks.md
+echo "written: docs/benchmarks.md"

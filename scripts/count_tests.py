@@ -1,0 +1,40 @@
+#!/usr/bin/env python3
+"""count_tests.py FOLDER...: what GoogleTest's XML reports in these folders add up to. Fails when a folder holds no test or
+a test failed."""
+
+import pathlib
+import sys
+import xml.etree.ElementTree as ET
+
+LABELS = {
+    "native-asan": "natively, address and undefined-behaviour sanitizers",
+    "native-tsan": "natively, thread sanitizer",
+    "mingw": "under Wine",
+    "mingw-user": "under Wine, as an ordinary user",
+}
+total = {"passed": 0, "failed": 0, "skipped": 0}
+complete = len(sys.argv) > 1
+for folder in map(pathlib.Path, sys.argv[1:]):
+    count = dict.fromkeys(total, 0)
+    skipped = []
+    for report in folder.glob("*.xml"):
+        for case in ET.parse(report).iter("testcase"):
+            if case.get("status") != "run":
+                continue
+            if case.find("failure") is not None:
+                result = "failed"
+            elif case.get("result") == "skipped":
+                result = "skipped"
+                skipped.append(f"{case.get('classname')}.{case.get('name')}")
+            else:
+                result = "passed"
+            count[result] += 1
+    label = LABELS.get(folder.parent.name, folder.parent.name)
+    print(f"Tests {label}: {count['passed']} passed, {count['failed']} failed, {count['skipped']} skipped")
+    for name in skipped:
+        print(f"    skipped: {name}")
+    complete = complete and count["passed"] > 0 and count["failed"] == 0
+    for result, number in count.items():
+        total[result] += number
+print(f"{total['passed']} passed, {total['failed']} failed, {total['skipped']} skipped")
+sys.exit(0 if complete else 1)

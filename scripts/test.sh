@@ -1,0 +1,114 @@
+#!/usr/bin/env bash
+# Runs all checks and tests: installs what is missing (Debian 12, apt-get), builds, tests the portable part natively under
+# sanitizers and everything under Wine, fuzzes each text format for a while, and prints a verdict.
+#
+#   scripts/test.sh              everything
+#   scripts/test.sh --no-fuzz    without the fuzzing
+#
+# Exits 0 only when everything passed. Logs are in build/logs, reports of the tests in build/*/results.
+set -uo pipefail
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$root" || exit 1
+
+fuzz_seconds=${KELINS_FUZZ_SECONDS:-60} # for each target
+case ${1:-} in
+    --no-fuzz) fuzz_seconds=0 ;;
+    -h | --help) sed -n '2,9s/^# \?//p' "${BASH_SOURCE[0]}"; exit 0 ;;
+    "") ;;
+    *) echo "unknown option $1; see --help" >&2; exit 2 ;;
+esac
+
+logs=$root/build/logs
+mkdir -p "$logs"
+failed=()
+results=() # folders with reports of the tests that ran
+step_number=0
+
+step() { # TITLE COMMAND...: runs it with its output in a log, and says how it went
+    local title=$1 log start=$SECONDS
+    shift
+    step_number=$((step_number + 1))
+    log=$logs/$(printf '%02d' "$step_number").log
+    printf '%2d. %-62s' "$step_number" "$title"
+    if "$@" >"$log" 2>&1 </dev/null; then
+        printf 'ok    %4d s\n' $((SECONDS - start))
+        return 0
+    fi
+    printf 'FAILED %3d s\n' $((SECONDS - start))
+    grep -nE 'error|FAILED|Failure|Failed|runtime error|==ERROR' "$log" | head -n 30
+    echo "    last lines of build/logs/$(basename "$log"):"
+    tail -n 30 "$log" | sed 's/^/    /'
+    failed+=("$title")
+    return 1
+}
+
+build() { # PRESET TARGET...
+    local preset=$1
+    shift
+    cmake --preset "$preset" && cmake --build --preset "$preset" -j "$(nproc)" --target "$@"
+}
+
+tests() { # PRESET: the tests that are built there
+    rm -rf "build/$1/results" && mkdir -p "build/$1/results" && ctest --preset "$1" -j "$(nproc)"
+}
+
+fuzz() { # SECONDS: every target side by side, from its seeds, with its dictionary
+    local seconds=$1 target name status=0 jobs=()
+    mkdir -p build/fuzz
+    shopt -s nullglob
+    local targets=(build/native-fuzz/bin/*Fuzz)
+    [ "${#targets[@]}" -gt 0 ] || { echo "no fuzz target was built"; return 1; }
+    for target in "${targets[@]}"; do
+        name=$(basename "$target")
+        mkdir -p "build/fuzz/$name"
+        local options=(-max_total_time="$seconds" -timeout=25 -rss_limit_mb=4096 -print_final_stats=1
+            -artifact_prefix="build/fuzz/$name-")
+        [ -f "fuzz/${name%Fuzz}.dict" ] && options+=("-dict=fuzz/${name%Fuzz}.dict")
+        "$target" "${options[@]}" "build/fuzz/$name" "fuzz/corpus/${name%Fuzz}" >"$logs/$name.log" 2>&1 &
+        jobs+=("$!:$name")
+        while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do sleep 0.2; done
+    done
+    for target in "${jobs[@]}"; do
+        if wait "${target%%:*}"; then
+            echo "${target#*:}: $(grep -oE 'number_of_executed_units: *[0-9]+' "$logs/${target#*:}.log")"
+        else
+            echo "FAILED ${target#*:}"
+            tail -n 20 "$logs/${target#*:}.log"
+            status=1
+        fi
+    done
+    return $status
+}
+
+echo "KelInsInfra: all checks and tests"
+step "install what is missing" scripts/install.sh || exit 1
+step "layout and lint" scripts/check-style.sh
+if step "build natively, address and undefined-behaviour sanitizers" build native-asan all; then
+    step "test natively, address and undefined-behaviour sanitizers" tests native-asan
+    results+=(build/native-asan/results)
+fi
+if step "build natively, thread sanitizer" build native-tsan all; then
+    step "test natively, thread sanitizer" tests native-tsan
+    results+=(build/native-tsan/results)
+fi
+if step "build for Windows, each public header alone too" build mingw all all_verify_interface_header_sets; then
+    if step "make the Wine prefix in build/" scripts/wine-prefix.sh; then
+        step "test under Wine" tests mingw
+        results+=(build/mingw/results)
+        if [ "$(id -u)" -eq 0 ]; then
+            step "test under Wine as an ordinary user" scripts/test-as-user.sh
+            results+=(build/mingw-user/results)
+        fi
+        step "stop that Wine's server" scripts/wine-prefix.sh stop
+    fi
+fi
+if [ "$fuzz_seconds" -gt 0 ] && step "build the fuzz targets" build native-fuzz all; then
+    step "fuzz, $fuzz_seconds s for each target" fuzz "$fuzz_seconds"
+fi
+
+python3 scripts/count_tests.py "${results[@]}" || failed+=("the count of tests")
+if [ "${#failed[@]}" -gt 0 ]; then
+    printf 'FAILED: %s\n' "${failed[@]}"
+    exit 1
+fi
+echo "Everything passed."
