@@ -208,7 +208,7 @@ const Case kEmptyKeys[] = {
     {"LaterContainerBecomesTheRoot", R"({"":{"a":1},"b":[2]})", "[2]"},
     {"ArrayIsNotEntered", R"({"":[1,2],"b":3})", "{}"},
     {"InArray", R"([{"":[]},1])", "[{}]"},
-    {"InArrayThenContainer", R"([{"":[]},[1],2])", "[{}, [1]]"},
+    {"InArrayThenContainer", R"([{"":[]},[1],2])", "[1]"},
     {"KeyOfAnEscape", R"({"\\":1})", R"({"\\": 1})"},
 };
 
