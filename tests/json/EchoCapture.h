@@ -8,7 +8,9 @@ class EchoCapture
 {
 public:
     EchoCapture() : former_(std::cout.rdbuf(gathered_.rdbuf())) {}
+
     ~EchoCapture() { std::cout.rdbuf(former_); }
+
     EchoCapture(const EchoCapture&) = delete;
     EchoCapture& operator=(const EchoCapture&) = delete;
 
