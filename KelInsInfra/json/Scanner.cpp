@@ -3067,8 +3067,8 @@ void Scanner::MakeBuffer()
     buffer->yy_ch_buf = static_cast<char*>(JSONalloc(YY_BUF_SIZE + 2)); /* flex ends it with two zero bytes */
     buffer->yy_is_our_buffer = 1;
     yy_init_buffer(buffer.get(), yyin);
-    yyensure_buffer_stack();
-    yy_switch_to_buffer(buffer.release());
+    yy_switch_to_buffer(buffer.get());
+    buffer.release(); /* only now: the call before allocates, before it takes the buffer */
     yy_init = 1; /* or flex reads std::cin in place of a stream without a buffer */
     yy_start = 1;
 }

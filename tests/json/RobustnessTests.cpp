@@ -15,8 +15,6 @@ namespace {
 using JSON::Driver;
 using Pointer = std::shared_ptr<JSON::Value>;
 
-constexpr std::size_t kDeep = 1000000;
-
 std::string Repeated(const std::string& text, std::size_t times)
 {
     std::string result;
@@ -31,6 +29,7 @@ struct Nesting
     const char* label;
     std::string open;
     std::string close;
+    std::size_t times;
 
     friend void PrintTo(const Nesting& n, std::ostream* out) { *out << n.label; }
 };
@@ -38,7 +37,10 @@ struct Nesting
 class JsonDepth : public testing::TestWithParam<Nesting>
 {
 protected:
-    static std::string Text() { return Repeated(GetParam().open, kDeep) + "[]" + Repeated(GetParam().close, kDeep); }
+    static std::string Text()
+    {
+        return Repeated(GetParam().open, GetParam().times) + "[]" + Repeated(GetParam().close, GetParam().times);
+    }
 };
 
 TEST_P(JsonDepth, ParseWriteAndDestroy)
@@ -47,13 +49,13 @@ TEST_P(JsonDepth, ParseWriteAndDestroy)
     OnSmallStack([&] {
         Driver driver;
         ASSERT_TRUE(driver.Parse(text));
-        EXPECT_EQ(driver.GetJSON(), text);
+        EXPECT_TRUE(driver.GetJSON() == text); // not printed when they differ
     });
 }
 
 TEST_P(JsonDepth, ResetInTheMiddle)
 {
-    const std::string text = Repeated(GetParam().open, kDeep);
+    const std::string text = Repeated(GetParam().open, GetParam().times);
     OnSmallStack([&] {
         Driver driver;
         EXPECT_FALSE(driver.Parse(text));
@@ -69,7 +71,7 @@ TEST_P(JsonDepth, Clone)
         ASSERT_TRUE(driver.Parse(text));
         const Pointer copy = driver.GetValue()->Clone();
         driver.ResetParser();
-        EXPECT_EQ(copy->GetJSON(), text);
+        EXPECT_TRUE(copy->GetJSON() == text);
     });
 }
 
@@ -80,11 +82,16 @@ TEST_P(JsonDepth, WriteIndented)
         Driver driver;
         ASSERT_TRUE(driver.Parse(text));
         std::ostringstream out;
-        driver.GetValue()->WriteIndented(out,
-                                         -2 - static_cast<std::int32_t>(kDeep)); // so deep that nothing is indented
+        driver.GetValue()->WriteIndented(
+            out,
+            -2 - static_cast<std::int32_t>(GetParam().times)); // so deep that nothing is indented
         std::string lines = out.str();
         std::erase(lines, '\n');
-        EXPECT_EQ(lines, text);
+        std::string expected = text;
+        for (std::size_t i = expected.find(", "); i != std::string::npos; i = expected.find(", ", i + 1))
+            expected[i + 1] = '\n'; // the compact form's blank
+        std::erase(expected, '\n');
+        EXPECT_TRUE(lines == expected);
     });
 }
 
@@ -92,21 +99,22 @@ TEST_P(JsonDepth, BuiltByHand)
 {
     OnSmallStack([&] {
         Driver driver;
-        for (std::size_t i = 0; i < kDeep; ++i) {
+        for (std::size_t i = 0; i < GetParam().times; ++i) {
             driver.SetNextObjectKey("k");
             ASSERT_TRUE(
                 driver.Add(GetParam().open == "[" ? Pointer(Driver::CreateArray()) : Pointer(Driver::CreateObject())));
         }
-        for (std::size_t i = 0; i < kDeep; ++i)
+        for (std::size_t i = 0; i < GetParam().times; ++i)
             driver.CloseCurrentValue();
         EXPECT_NE(driver.GetValue(), nullptr);
     });
 }
 
 INSTANTIATE_TEST_SUITE_P(Json, JsonDepth,
-                         testing::Values(Nesting{"Arrays", "[", "]"}, Nesting{"Objects", R"({"k": )", "}"},
-                                         Nesting{"Both", R"([{"a": 1, "k": )", "}]"},
-                                         Nesting{"ChildNotLast", "[[], ", ", 1]"}),
+                         testing::Values(Nesting{"Arrays", "[", "]", 1000000},
+                                         Nesting{"Objects", R"({"k": )", "}", 1000000},
+                                         Nesting{"Both", R"([{"a": 1, "k": )", "}]", 50000},
+                                         Nesting{"ChildNotLast", "[[], ", ", 1]", 100000}),
                          [](const auto& row) { return std::string(row.param.label); });
 
 TEST(JsonRelease, SharedPartsStayWhole)
