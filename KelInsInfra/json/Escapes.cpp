@@ -1,25 +1,9 @@
+#include <KelInsInfra/json/internal/ByteRuns.h>
 #include <KelInsInfra/json/internal/Escapes.h>
-#include <algorithm>
-#include <array>
 #include <cstring>
 
 namespace JSON {
 namespace {
-
-constexpr std::array<char, 256> MakeEscapeLetters()
-{
-    std::array<char, 256> letters{};
-    letters['"'] = '"';
-    letters['\\'] = '\\';
-    letters['\b'] = 'b';
-    letters['\f'] = 'f';
-    letters['\n'] = 'n';
-    letters['\r'] = 'r';
-    letters['\t'] = 't';
-    return letters;
-}
-
-constexpr std::array<char, 256> kEscapeLetters = MakeEscapeLetters();
 
 /// What the byte after a backslash stands for, 0 where the two are no escape.
 char EscapedByte(char letter)
@@ -46,18 +30,13 @@ char EscapedByte(char letter)
 
 } // namespace
 
-char EscapeLetter(char byte)
-{
-    return kEscapeLetters[static_cast<unsigned char>(byte)];
-}
-
 char* Unescape(std::string_view text, char* out)
 {
     const char* next = text.data();
     const char* const end = next + text.size();
     while (next != end) {
-        const char* const plainEnd = std::find(next, end, '\\');
-        const auto plain = static_cast<std::size_t>(plainEnd - next);
+        const std::size_t plain = RunBeforeBackslash(std::string_view(next, static_cast<std::size_t>(end - next)));
+        const char* const plainEnd = next + plain;
         std::memmove(out, next, plain); // may be done in place
         out += plain;
         if (end - plainEnd < 2) // a backslash at the very end is dropped

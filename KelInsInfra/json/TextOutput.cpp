@@ -1,3 +1,4 @@
+#include <KelInsInfra/json/internal/ByteRuns.h>
 #include <KelInsInfra/json/internal/Escapes.h>
 #include <KelInsInfra/json/internal/TextOutput.h>
 #include <algorithm>
@@ -9,7 +10,8 @@ void TextOutput::PutBlanks(std::uint64_t count)
 {
     while (count > 0 && !failed_) {
         char* const out = Room(1);
-        const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(count, static_cast<std::size_t>(end_ - out)));
+        const auto part =
+            static_cast<std::size_t>(std::min<std::uint64_t>(count, static_cast<std::size_t>(end_ - out)));
         std::memset(out, ' ', part);
         next_ = out + part;
         count -= part;
@@ -22,14 +24,18 @@ void TextOutput::PutEscaped(std::string_view text)
     while (!text.empty() && !failed_) {
         const std::size_t part = std::min(text.size(), kSmallestPiece / 2); // each byte may become two
         char* out = Room(2 * part);
-        for (const char byte : text.substr(0, part)) {
-            const char letter = EscapeLetter(byte);
-            if (letter == '\0') {
-                *out++ = byte;
-            } else {
-                *out++ = '\\';
-                *out++ = letter;
+        for (std::size_t i = 0; i < part;) {
+            if (i + 8 <= part && NeedNoEscape(EightBytes(text.data() + i))) {
+                std::memcpy(out, text.data() + i, 8);
+                out += 8;
+                i += 8;
+                continue;
             }
+            const char letter = EscapeLetter(text[i]);
+            if (letter != '\0')
+                *out++ = '\\';
+            *out++ = letter != '\0' ? letter : text[i];
+            ++i;
         }
         next_ = out;
         text.remove_prefix(part);

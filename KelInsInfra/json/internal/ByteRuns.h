@@ -47,6 +47,27 @@ inline std::size_t PlainStringRun(std::string_view text)
     return i;
 }
 
+/// Number of bytes before the first backslash.
+inline std::size_t RunBeforeBackslash(std::string_view text)
+{
+    std::size_t i = 0;
+    for (; i + 8 <= text.size(); i += 8) {
+        const std::uint64_t found = FirstZeroByte(EightBytes(text.data() + i) ^ EachByte('\\'));
+        if (found != 0)
+            return i + ByteOfLowestBit(found);
+    }
+    while (i < text.size() && text[i] != '\\')
+        ++i;
+    return i;
+}
+
+/// Whether none of the eight bytes is a quote, a backslash or a control byte.
+constexpr bool NeedNoEscape(std::uint64_t word)
+{
+    const std::uint64_t control = (word - EachByte(0x20)) & ~word & EachByte(0x80);
+    return (control | FirstZeroByte(word ^ EachByte('"')) | FirstZeroByte(word ^ EachByte('\\'))) == 0;
+}
+
 constexpr bool IsWhiteSpace(char c)
 {
     return c == ' ' || c == '\n' || c == '\t';
