@@ -84,7 +84,7 @@ TEST_P(JsonDepth, WriteIndented)
         std::ostringstream out;
         driver.GetValue()->WriteIndented(
             out,
-            -2 - static_cast<std::int32_t>(GetParam().times)); // so deep that nothing is indented
+            -3 * static_cast<std::int32_t>(GetParam().times)); // so deep that nothing is indented
         std::string lines = out.str();
         std::erase(lines, '\n');
         std::string expected = text;
