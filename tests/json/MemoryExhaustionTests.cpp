@@ -1,0 +1,196 @@
+#include <KelInsInfra/json/Driver.h>
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <new>
+#include <sstream>
+#include <string>
+
+/// A program of its own: it replaces the heap, so that the Nth allocation fails.
+
+namespace {
+
+std::atomic<long> allocationsLeft{-1}; ///< negative: no limit
+std::atomic<long> blocks{0};
+
+void* Allocate(std::size_t size)
+{
+    if (allocationsLeft >= 0 && allocationsLeft-- == 0) {
+        allocationsLeft = 0; // and all after it
+        throw std::bad_alloc();
+    }
+    void* const memory = std::malloc(size == 0 ? 1 : size);
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    ++blocks;
+    return memory;
+}
+
+void Free(void* memory)
+{
+    if (memory != nullptr)
+        --blocks;
+    std::free(memory);
+}
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    return Allocate(size);
+}
+
+void* operator new[](std::size_t size)
+{
+    return Allocate(size);
+}
+
+void operator delete(void* memory) noexcept
+{
+    Free(memory);
+}
+
+void operator delete[](void* memory) noexcept
+{
+    Free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    Free(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept
+{
+    Free(memory);
+}
+
+namespace {
+
+using JSON::Driver;
+
+/// Runs work with 0, 1, 2, ... allocations until it succeeds. After each failure the caller's check is made.
+void WithEveryFailure(const std::function<void()>& work, const std::function<void()>& check)
+{
+    for (long count = 0;; ++count) {
+        ASSERT_LT(count, 100000);
+        allocationsLeft = count;
+        bool succeeded = false;
+        try {
+            work();
+            succeeded = true;
+        } catch (const std::bad_alloc&) {
+        }
+        allocationsLeft = -1;
+        check();
+        if (succeeded)
+            return;
+    }
+}
+
+std::string Text()
+{
+    std::string text =
+        R"({"a key that is longer than small ones":["text with \n escapes that needs memory","",1],"a":1,"a":[{}],)";
+    for (int i = 0; i < 40; ++i)
+        text += "\"k" + std::to_string(i) + R"(":[[[[{"x":"y"}]]]],)";
+    return text + R"("k1":2,"long":")" + std::string(20000, 'x') + R"(","number":)" + std::string(20000, '7') + "}";
+}
+
+TEST(JsonMemory, ParseFailsCleanlyAtEveryAllocation)
+{
+    const std::string text = Text();
+    Driver plain;
+    ASSERT_TRUE(plain.Parse(text));
+    const std::string expected = plain.GetJSON();
+    Driver driver;
+    const long before = blocks;
+    bool parsed = false;
+    WithEveryFailure([&] { parsed = driver.Parse(text); },
+                     [&] {
+                         if (parsed) {
+                             EXPECT_EQ(driver.GetJSON(), expected);
+                             return;
+                         }
+                         EXPECT_EQ(driver.GetValue(), nullptr);
+                         EXPECT_FALSE(driver.AddToObject("k", Driver::CreateNull()));
+                         ASSERT_TRUE(driver.Parse("[1]"));
+                         EXPECT_EQ(driver.GetJSON(), "[1]");
+                         driver.ResetParser();
+                     });
+    EXPECT_TRUE(parsed);
+    driver.ResetParser();
+    EXPECT_LE(blocks, before + 2); // the driver's own memory for its stack and key
+}
+
+TEST(JsonMemory, NothingIsLostByFailingParses)
+{
+    const std::string text = Text();
+    { // what a process keeps from its first parse on
+        Driver driver;
+        ASSERT_TRUE(driver.Parse(text));
+    }
+    for (long count = 0; count < 400; ++count) {
+        const long before = blocks;
+        {
+            Driver driver;
+            allocationsLeft = count;
+            try {
+                driver.Parse(text);
+            } catch (const std::bad_alloc&) {
+            }
+            allocationsLeft = -1;
+        }
+        ASSERT_EQ(blocks, before) << "with " << count << " allocations";
+    }
+}
+
+TEST(JsonMemory, SyntaxErrorFailsCleanlyAtEveryAllocation)
+{
+    const std::string text = Text().append("}");
+    Driver driver;
+    bool parsed = true;
+    WithEveryFailure([&] { parsed = driver.Parse(text); }, [&] { EXPECT_EQ(driver.GetValue(), nullptr); });
+    EXPECT_FALSE(parsed);
+}
+
+TEST(JsonMemory, WritingAndCloning)
+{
+    Driver driver;
+    ASSERT_TRUE(driver.Parse(Text()));
+    const std::string expected = driver.GetJSON();
+    std::string text;
+    std::shared_ptr<JSON::Value> copy;
+    const long before = blocks;
+    WithEveryFailure([&] { text = driver.GetJSON(); }, [&] { EXPECT_TRUE(text.empty() || text == expected); });
+    WithEveryFailure([&] { copy = driver.GetValue()->Clone(); },
+                     [&] { EXPECT_TRUE(!copy || copy->GetJSON() == expected); });
+    EXPECT_EQ(driver.GetJSON(), expected);
+    copy.reset();
+    std::string().swap(text);
+    EXPECT_EQ(blocks, before);
+}
+
+TEST(JsonMemory, AddingEitherWorksOrChangesNothing)
+{
+    for (const bool repeated : {false, true}) {
+        Driver driver;
+        driver.NewObject();
+        for (int i = 0; i < 20; ++i)
+            driver.AddToObject("a key that needs memory " + std::to_string(i), Driver::CreateNull());
+        const std::string before = driver.GetJSON();
+        const std::string key = "a key that needs memory " + std::to_string(repeated ? 0 : 99);
+        const auto value = Driver::CreateArray();
+        bool added = false;
+        WithEveryFailure([&] { added = driver.AddToObject(key, value); },
+                         [&] { EXPECT_TRUE(added || driver.GetJSON() == before); });
+        EXPECT_EQ(driver.GetValue()->GetObjectValues().back()->first, key);
+        EXPECT_EQ(driver.GetValue()->GetSize(), repeated ? 20U : 21U);
+        EXPECT_TRUE(driver.Add(Driver::CreateNull())); // into the array, which was opened
+        EXPECT_EQ(value->GetJSON(), "[null]");
+    }
+}
+
+} // namespace

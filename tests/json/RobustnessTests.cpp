@@ -1,0 +1,344 @@
+#include <KelInsInfra/json/Driver.h>
+#include <fuzz/JsonModel.h>
+#include <gtest/gtest.h>
+#include <locale>
+#include <sstream>
+#include <streambuf>
+#include <string>
+#include <tests/json/EchoCapture.h>
+#include <tests/json/SmallStack.h>
+#include <tests/support/ExpectThrowsText.h>
+#include <thread>
+
+namespace {
+
+using JSON::Driver;
+using Pointer = std::shared_ptr<JSON::Value>;
+
+std::string Repeated(const std::string& text, std::size_t times)
+{
+    std::string result;
+    result.reserve(text.size() * times);
+    for (std::size_t i = 0; i < times; ++i)
+        result += text;
+    return result;
+}
+
+struct Nesting
+{
+    const char* label;
+    std::string open;
+    std::string close;
+    std::size_t times;
+
+    friend void PrintTo(const Nesting& n, std::ostream* out) { *out << n.label; }
+};
+
+class JsonDepth : public testing::TestWithParam<Nesting>
+{
+protected:
+    static std::string Text()
+    {
+        return Repeated(GetParam().open, GetParam().times) + "[]" + Repeated(GetParam().close, GetParam().times);
+    }
+};
+
+TEST_P(JsonDepth, ParseWriteAndDestroy)
+{
+    const std::string text = Text();
+    OnSmallStack([&] {
+        Driver driver;
+        ASSERT_TRUE(driver.Parse(text));
+        EXPECT_TRUE(driver.GetJSON() == text); // not printed when they differ
+    });
+}
+
+TEST_P(JsonDepth, ResetInTheMiddle)
+{
+    const std::string text = Repeated(GetParam().open, GetParam().times);
+    OnSmallStack([&] {
+        Driver driver;
+        EXPECT_FALSE(driver.Parse(text));
+        EXPECT_EQ(driver.GetValue(), nullptr);
+    });
+}
+
+TEST_P(JsonDepth, Clone)
+{
+    const std::string text = Text();
+    OnSmallStack([&] {
+        Driver driver;
+        ASSERT_TRUE(driver.Parse(text));
+        const Pointer copy = driver.GetValue()->Clone();
+        driver.ResetParser();
+        EXPECT_TRUE(copy->GetJSON() == text);
+    });
+}
+
+TEST_P(JsonDepth, WriteIndented)
+{
+    const std::string text = Text();
+    OnSmallStack([&] {
+        Driver driver;
+        ASSERT_TRUE(driver.Parse(text));
+        std::ostringstream out;
+        driver.GetValue()->WriteIndented(
+            out,
+            -3 * static_cast<std::int32_t>(GetParam().times)); // so deep that nothing is indented
+        std::string lines = out.str();
+        std::erase(lines, '\n');
+        std::string expected = text;
+        for (std::size_t i = expected.find(", "); i != std::string::npos; i = expected.find(", ", i + 1))
+            expected[i + 1] = '\n'; // the compact form's blank
+        std::erase(expected, '\n');
+        EXPECT_TRUE(lines == expected);
+    });
+}
+
+TEST_P(JsonDepth, BuiltByHand)
+{
+    OnSmallStack([&] {
+        Driver driver;
+        for (std::size_t i = 0; i < GetParam().times; ++i) {
+            driver.SetNextObjectKey("k");
+            ASSERT_TRUE(
+                driver.Add(GetParam().open == "[" ? Pointer(Driver::CreateArray()) : Pointer(Driver::CreateObject())));
+        }
+        for (std::size_t i = 0; i < GetParam().times; ++i)
+            driver.CloseCurrentValue();
+        EXPECT_NE(driver.GetValue(), nullptr);
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Json, JsonDepth,
+                         testing::Values(Nesting{"Arrays", "[", "]", 1000000},
+                                         Nesting{"Objects", R"({"k": )", "}", 1000000},
+                                         Nesting{"Both", R"([{"a": 1, "k": )", "}]", 50000},
+                                         Nesting{"ChildNotLast", "[[], ", ", 1]", 100000}),
+                         [](const auto& row) { return std::string(row.param.label); });
+
+TEST(JsonRelease, SharedPartsStayWhole)
+{
+    Driver driver;
+    ASSERT_TRUE(driver.Parse(R"([[[1],{"k":[2]}],[3]])"));
+    const Pointer kept = driver.GetValue()->GetArrayValue(0)->GetArrayValue(1);
+    driver.ResetParser();
+    EXPECT_EQ(kept->GetJSON(), R"({"k": [2]})");
+}
+
+TEST(JsonRelease, PartInSeveralPlaces)
+{
+    const Pointer shared = Driver::CreateArray();
+    Driver driver;
+    driver.NewArray();
+    for (int i = 0; i < 3; ++i) {
+        driver.AddToArray(shared);
+        driver.CloseCurrentValue();
+    }
+    ASSERT_TRUE(driver.UseValue(driver.GetValue()));
+    const std::weak_ptr<JSON::Value> watched = shared;
+    driver.ResetParser();
+    EXPECT_EQ(watched.use_count(), 1);
+}
+
+TEST(JsonRelease, OnSeveralThreads)
+{
+    std::string text = "[";
+    for (int i = 0; i < 2000; ++i)
+        text += R"({"name":"a text that is longer than a small one","list":[1,2,[3]]},)";
+    text += "0]";
+    Driver driver;
+    ASSERT_TRUE(driver.Parse(text));
+    std::vector<Pointer> parts = driver.GetValue()->GetArrayValues();
+    std::vector<Pointer> others = parts;
+    driver.ResetParser();
+    const auto release = [](std::vector<Pointer>& values) {
+        std::size_t size = 0;
+        while (!values.empty()) {
+            size += values.back()->GetJSON().size();
+            values.pop_back();
+        }
+        EXPECT_GT(size, 1000U);
+    };
+    std::thread first([&] { release(parts); });
+    std::thread second([&] { release(others); });
+    first.join();
+    second.join();
+}
+
+const char* const kExample =
+    "{\"a\": [1, -2.50e+3, \"x\\ty\\u00e9\\\\\"], \"\": {\"k\": true},\r\n \"b\": false, # \"a\": null}";
+
+TEST(JsonCutOff, AtEveryByte)
+{
+    const std::string text = kExample;
+    for (std::size_t size = 0; size <= text.size(); ++size) {
+        const std::string part = text.substr(0, size);
+        const JsonModel::Outcome expected = JsonModel::Reader(part).Read();
+        EXPECT_EQ(expected.accepted, size == text.size());
+        Driver driver;
+        const EchoCapture echo;
+        EXPECT_EQ(driver.Parse(part), expected.accepted) << part;
+        EXPECT_EQ(echo.Text(), expected.echo) << part;
+    }
+}
+
+/// Gives its text in pieces of the given size, then breaks, or ends.
+class BreakingBuffer : public std::streambuf
+{
+public:
+    enum class End
+    {
+        Breaks,
+        Ends
+    };
+
+    BreakingBuffer(std::string text, std::size_t piece, End end) : text_(std::move(text)), piece_(piece), end_(end) {}
+
+private:
+    int_type underflow() override
+    {
+        if (next_ == text_.size()) {
+            if (end_ == End::Breaks)
+                throw std::runtime_error("the device is gone");
+            return traits_type::eof();
+        }
+        const std::size_t size = std::min(piece_, text_.size() - next_);
+        setg(&text_[next_], &text_[next_], &text_[next_] + size);
+        next_ += size;
+        return traits_type::to_int_type(*gptr());
+    }
+
+    std::string text_;
+    std::size_t piece_;
+    End end_;
+    std::size_t next_ = 0;
+};
+
+TEST(JsonStream, ThatBreaksInTheMiddle)
+{
+    for (const std::size_t size : {0U, 1U, 10U, 16000U, 16384U, 40000U}) {
+        Driver driver;
+        ASSERT_TRUE(driver.Parse("[1]"));
+        BreakingBuffer buffer("[\"" + std::string(size, 'x'), 1000, BreakingBuffer::End::Breaks);
+        std::istream in(&buffer);
+        ExpectThrowsText<std::runtime_error>([&] { driver.Parse(in); }, "input in flex scanner failed");
+        EXPECT_EQ(driver.GetValue(), nullptr);
+        EXPECT_FALSE(driver.AddToArray(Driver::CreateNull()));
+        EXPECT_TRUE(driver.Parse("[2]"));
+        EXPECT_EQ(driver.GetJSON(), "[2]");
+    }
+}
+
+TEST(JsonStream, ThatGivesOneByteAtATime)
+{
+    const std::string text = R"([{"key":"value\n"},12345,true, "another"])";
+    for (const std::size_t piece : {1U, 2U, 3U, 7U}) {
+        BreakingBuffer buffer(text, piece, BreakingBuffer::End::Ends);
+        std::istream in(&buffer);
+        Driver driver;
+        EXPECT_TRUE(driver.Parse(in));
+        EXPECT_EQ(driver.GetJSON(), R"([{"key": "value\n"}, 12345, true, "another"])");
+    }
+}
+
+TEST(JsonStream, WithoutABuffer)
+{
+    std::istream in(nullptr);
+    Driver driver;
+    EXPECT_FALSE(driver.Parse(in));
+    EXPECT_EQ(driver.GetValue(), nullptr);
+}
+
+TEST(JsonStream, AtItsEnd)
+{
+    std::istringstream in("[1]");
+    Driver driver;
+    EXPECT_TRUE(driver.Parse(in));
+    EXPECT_FALSE(driver.Parse(in));
+}
+
+TEST(JsonStream, OutputThatFails)
+{
+    class FullDevice : public std::streambuf
+    {
+        int_type overflow(int_type) override { return traits_type::eof(); }
+    };
+
+    FullDevice full;
+    std::ostream out(&full);
+    Driver driver;
+    ASSERT_TRUE(driver.Parse("[" + Repeated("1,", 200000) + "1]"));
+    driver.GetValue()->Write(out);
+    EXPECT_TRUE(out.fail());
+    out.clear();
+    driver.GetValue()->WriteIndented(out, 100000000); // 400 MB of blanks a line, were they written
+    EXPECT_TRUE(out.fail());
+}
+
+/// Everything that looks at refills of the scanner's buffer: each kind of token at each place around its size.
+TEST(JsonRefill, TokensAtEveryPlaceAroundTheBuffersEnd)
+{
+    const std::string tokens =
+        R"("plain", "\u00e9\\\"\n", -12.5e+3, true, false, null, {"k": [1]}, "", 1.x, "\q\u12", 7e)";
+    for (std::size_t place = 16384 - tokens.size() - 4; place < 16384 + 4; ++place) {
+        const std::string text = "[" + std::string(place, ' ') + tokens + "]";
+        const JsonModel::Outcome expected = JsonModel::Reader(text).Read();
+        ASSERT_TRUE(expected.accepted);
+        Driver driver;
+        const EchoCapture echo;
+        EXPECT_TRUE(driver.Parse(text)) << place;
+        EXPECT_EQ(driver.GetJSON(), JsonModel::Compact(*expected.root)) << place;
+        EXPECT_EQ(echo.Text(), expected.echo) << place;
+    }
+}
+
+TEST(JsonRefill, StringsAndNumbersOfEverySizeAroundTheBuffers)
+{
+    for (std::size_t size = 16370; size < 16400; ++size) {
+        const std::string digits(size, '7');
+        const std::string letters(size, 'x');
+        Driver driver;
+        ASSERT_TRUE(driver.Parse("[" + digits + ",\"" + letters + "\",{\"" + letters + "\":1}]"));
+        EXPECT_EQ(driver.GetValue()->GetArrayValue(0)->GetString(), digits);
+        EXPECT_EQ(driver.GetValue()->GetArrayValue(1)->GetString(), letters);
+        EXPECT_EQ(driver.GetValue()->GetArrayValue(2)->GetObjectValues()[0]->first, letters);
+    }
+}
+
+TEST(JsonRefill, NumberThatIsNoneAfterAll)
+{
+    const std::string digits(50000, '7');
+    Driver driver;
+    const EchoCapture echo;
+    ASSERT_TRUE(driver.Parse("[" + digits + "." + "]"));
+    EXPECT_EQ(driver.GetJSON(), "[" + digits + "]");
+    EXPECT_EQ(echo.Text(), ".");
+}
+
+/// A locale with other digits' grouping and decimal point than the classic one.
+class OtherPunctuation : public std::numpunct<char>
+{
+    char do_decimal_point() const override { return ','; }
+
+    char do_thousands_sep() const override { return '.'; }
+
+    std::string do_grouping() const override { return "\1"; }
+};
+
+TEST(JsonLocale, OfTheHostDoesNotMatter)
+{
+    const std::locale former = std::locale::global(std::locale(std::locale::classic(), new OtherPunctuation));
+    std::istringstream in(R"({"n":1234567.5,"i":1234567})");
+    Driver driver;
+    EXPECT_TRUE(driver.Parse(in));
+    std::ostringstream out;
+    driver.GetValue()->Write(out);
+    driver.GetValue()->WriteIndented(out, 0);
+    EXPECT_EQ(out.str(), "{\"n\": 1234567.5, \"i\": 1234567}{\n    \"n\": 1234567.5,\n    \"i\": 1234567\n}");
+    EXPECT_EQ(driver.GetValue()->GetObjectValue("i")->GetInteger(), 1234567);
+    EXPECT_EQ(driver.GetValue()->GetObjectValue("n")->GetFloat(), 1234567.5F);
+    std::locale::global(former);
+}
+
+} // namespace
