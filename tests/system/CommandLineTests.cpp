@@ -127,12 +127,12 @@ private:
 
 TEST(GetArgumentsProgram, IsAsWrittenNotItsPath)
 {
-    const ChildCopy copy(u8"setup.exe");
-    const Report report = RunReportingChild(R"(setup.exe "a b" c)");
-    EXPECT_THAT(report.arguments, ElementsAre("setup.exe", "a b", "c"));
-    EXPECT_EQ(report.executable, copy.Directory() + R"(\setup.exe)");
+    const ChildCopy copy(u8"as_written.exe");
+    const Report report = RunReportingChild(R"(as_written.exe "a b" c)");
+    EXPECT_THAT(report.arguments, ElementsAre("as_written.exe", "a b", "c"));
+    EXPECT_EQ(report.executable, copy.Directory() + R"(\as_written.exe)");
     EXPECT_EQ(report.directory, copy.Directory());
-    EXPECT_THAT(RunReportingChild(R"(.\setup x)").arguments, ElementsAre(R"(.\setup)", "x"));
+    EXPECT_THAT(RunReportingChild(R"(.\as_written x)").arguments, ElementsAre(R"(.\as_written)", "x"));
 }
 
 TEST(GetArgumentsProgram, OutsideAsciiAndWithSpaces)
