@@ -19,10 +19,12 @@ public:
     void WriteIndented(std::ostream& out, std::int32_t level) const override;
 
     void Append(std::shared_ptr<Value> value);
+
     const std::vector<std::shared_ptr<Value>>& Elements() const { return elements_; }
 
     /// For taking a document apart: the last child's place, null where none is left.
     std::shared_ptr<Value>* LastChild() noexcept { return elements_.empty() ? nullptr : &elements_.back(); }
+
     void DropLastChild() noexcept { elements_.pop_back(); }
 
 private:

@@ -39,13 +39,15 @@ public:
     /// - of a repeated key only the last value stays, at the end of the order;
     /// - a member under an empty key is refused: a scalar is left out, and a container is not entered, so that its
     ///   content goes to the container around it and its closing brace or bracket closes that one;
-    /// - every byte that fits no rule is echoed to std::cout and skipped: carriage returns outside strings, a byte-order
+    /// - every byte that fits no rule is echoed to std::cout and skipped: carriage returns outside strings, a
+    /// byte-order
     ///   mark, comments, a backslash in a string that begins no escape. Control bytes in strings are accepted;
     /// - numbers keep their text; leading zeros are accepted.
     ///
     /// @return true: the root is there, and open for Add. False for a syntax error: the driver is empty; nothing is
     ///         printed for it. A pending key of SetNextObjectKey is not cleared by failure.
-    /// @throws std::runtime_error  with the scanner's text when it cannot go on ("input in flex scanner failed" when the
+    /// @throws std::runtime_error  with the scanner's text when it cannot go on ("input in flex scanner failed" when
+    /// the
     ///         stream breaks); std::bad_alloc when memory runs out. The driver is empty then.
     KELINS_API bool Parse(std::istream& in);
     KELINS_API bool Parse(const std::string& text);
@@ -107,7 +109,8 @@ public:
     KELINS_API static std::shared_ptr<Item> CreateNull();
 
     /// The member under exactly this name; empty if value is empty, is no object or has none. Never throws.
-    KELINS_API static std::shared_ptr<Value> FindAttribute(const std::shared_ptr<Value>& value, const std::string& name);
+    KELINS_API static std::shared_ptr<Value> FindAttribute(const std::shared_ptr<Value>& value,
+                                                           const std::string& name);
 
     /// Whether FindAttribute would find one. Never throws.
     KELINS_API static bool HasAttribute(const std::shared_ptr<Value>& value, const std::string& name);
@@ -120,8 +123,10 @@ public:
     ///         not a String", " is neither an Array nor an Object") if the member is of another type than out takes. A
     ///         null, also one that was written as an empty string, fits none.
     /// @throws whatever GetInteger, GetInteger64 and GetFloat throw for the number's text.
-    KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name, std::int32_t& out);
-    KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name, std::int64_t& out);
+    KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name,
+                                        std::int32_t& out);
+    KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name,
+                                        std::int64_t& out);
     KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name, float& out);
     KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name, bool& out);
     KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name, std::string& out);

@@ -108,7 +108,8 @@ void Object::Replace(Member& member, std::shared_ptr<Value> value) noexcept
 void Object::AddMember(Pool& pool, std::string key, std::shared_ptr<Value> value)
 {
     Chunk& chunk = pool.ChunkFor(Chunk::Rounded(sizeof(Member)));
-    auto* const member = new (chunk.Take(sizeof(Member))) Member(std::move(key), std::move(value), chunk, order_.size());
+    auto* const member =
+        new (chunk.Take(sizeof(Member))) Member(std::move(key), std::move(value), chunk, order_.size());
     order_.push_back(member);
     if (index_)
         index_->Add(*member);

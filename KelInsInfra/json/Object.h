@@ -33,6 +33,7 @@ public:
     void Settle() noexcept;
 
     const Member* Find(std::string_view key) const;
+
     const std::vector<POSITION>& Order() const { return order_; }
 
     /// For taking a document apart: the last child's place, null where none is left.

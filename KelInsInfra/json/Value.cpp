@@ -88,7 +88,8 @@ std::shared_ptr<Value> Value::GetArrayValue(std::int32_t index) const
 const std::vector<std::shared_ptr<Value>>& Value::GetArrayValues() const
 {
     if (!IsArray())
-        throw std::runtime_error("JSON::Value::GetArrayValues - Value is not an Array. Actual type: " + GetTypeString());
+        throw std::runtime_error("JSON::Value::GetArrayValues - Value is not an Array. Actual type: " +
+                                 GetTypeString());
     return static_cast<const Array&>(*this).Elements();
 }
 

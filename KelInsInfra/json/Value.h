@@ -16,7 +16,8 @@ namespace JSON {
 class Value;
 
 /// What a value is. True and false are two types of their own.
-enum class Type : std::int32_t {
+enum class Type : std::int32_t
+{
     Object = 0,
     Array = 1,
     Number = 2,
@@ -65,12 +66,19 @@ public:
     KELINS_API std::string GetTypeString() const;
 
     bool IsObject() const { return type_ == Type::Object; }
+
     bool IsArray() const { return type_ == Type::Array; }
+
     bool IsNumber() const { return type_ == Type::Number; }
+
     bool IsString() const { return type_ == Type::String; }
+
     bool IsNull() const { return type_ == Type::Null; }
+
     bool IsTrue() const { return type_ == Type::True; }
+
     bool IsFalse() const { return type_ == Type::False; }
+
     bool IsBoolean() const { return IsTrue() || IsFalse(); }
 
     /// Whether this is true. False, null, a string and all others give false.

@@ -14,6 +14,7 @@ public:
     static Chunk* Create(std::size_t capacity, std::size_t live);
 
     std::size_t Room() const { return static_cast<std::size_t>(end_ - next_); }
+
     char* Take(std::size_t bytes); ///< aligned for pointers; throws std::bad_alloc where the room does not suffice
     void Release(std::size_t count) noexcept;
 
@@ -55,6 +56,7 @@ public:
     explicit Pool(std::size_t firstChunk = 0) : nextCapacity_(firstChunk) {}
 
     ~Pool() { Retire(); }
+
     Pool(const Pool&) = delete;
     Pool& operator=(const Pool&) = delete;
 

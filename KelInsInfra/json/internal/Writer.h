@@ -7,7 +7,11 @@
 
 namespace JSON {
 
-enum class Form { Compact, Indented };
+enum class Form
+{
+    Compact,
+    Indented
+};
 
 /// Writes a value and all below it, without recursion.
 /// @param level  of the value itself, for the indented form.
