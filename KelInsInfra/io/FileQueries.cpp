@@ -73,9 +73,12 @@ std::uint64_t GetFileSize(const std::string& path)
 
 std::uint64_t GetFreeSpaceOnDisk(const std::string& path)
 {
-    const std::wstring root = KelInsString::Widen(Path(path).GetRoot());
+    std::string root = Path(path).GetRoot();
+    if (root.starts_with(R"(\\)")) // a share is only known to the system with a separator behind it
+        root += Path::SepC;
+    const std::wstring wideRoot = KelInsString::Widen(root);
     ULARGE_INTEGER available;
-    return ::GetDiskFreeSpaceExW(root.c_str(), &available, nullptr, nullptr) ? available.QuadPart : 0;
+    return ::GetDiskFreeSpaceExW(wideRoot.c_str(), &available, nullptr, nullptr) ? available.QuadPart : 0;
 }
 
 FileTime GetTime(const std::string& path)

@@ -1,5 +1,5 @@
 #include <KelInsInfra/foundation/KelInsString.h>
-#include <KelInsInfra/foundation/internal/WindowsApi.h>
+#include <KelInsInfra/foundation/internal/UniqueHandle.h>
 #include <KelInsInfra/io/KelInsIO.h>
 #include <KelInsInfra/io/internal/RewriteFile.h>
 #include <algorithm>
@@ -36,12 +36,15 @@ void WriteWhole(const std::string& temporaryName, const std::string& content, co
         Fail(frame, "Failed to write " + temporaryName);
 }
 
+/// Asks the file itself: of a link, its directory would tell the size of the link.
 bool HasSize(const std::string& name, std::size_t size)
 {
-    WIN32_FILE_ATTRIBUTE_DATA data;
-    if (!::GetFileAttributesExW(KelInsString::Widen(name).c_str(), GetFileExInfoStandard, &data))
-        return false;
-    return (static_cast<std::uint64_t>(data.nFileSizeHigh) << 32 | data.nFileSizeLow) == size;
+    const std::wstring wideName = KelInsString::Widen(name);
+    const UniqueFileHandle file(::CreateFileW(wideName.c_str(), FILE_READ_ATTRIBUTES,
+                                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    LARGE_INTEGER actual;
+    return file && ::GetFileSizeEx(file.Get(), &actual) && static_cast<std::uint64_t>(actual.QuadPart) == size;
 }
 
 void DeleteIgnoringFailure(const std::string& name)

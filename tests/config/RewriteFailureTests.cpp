@@ -28,7 +28,7 @@ using CloseStreamHook = ImportHook<int(std::FILE*)>;
 using DeleteFileHook = ImportHook<BOOL(LPCWSTR)>;
 using GetAttributesHook = ImportHook<DWORD(LPCWSTR)>;
 using SetAttributesHook = ImportHook<BOOL(LPCWSTR, DWORD)>;
-using GetAttributesExHook = ImportHook<BOOL(LPCWSTR, int, void*)>;
+using GetSizeHook = ImportHook<BOOL(HANDLE, PLARGE_INTEGER)>;
 using StatHook = ImportHook<int(const wchar_t*, void*)>;
 using CreateFileHook = ImportHook<HANDLE(LPCWSTR, DWORD, DWORD, void*, DWORD, DWORD, HANDLE)>;
 using IdentifyHook = ImportHook<BOOL(HANDLE, void*)>;
@@ -387,8 +387,11 @@ std::vector<FailureCase> FailureCases()
         {"CopyWritesNothingAtAllUnnoticed", [](auto&) { return FailNth<WriteHook>("_write", 3, 0, NoCode()); },
          Text::FailedToWriteFile, "131072 bytes", "new", false},
         {"SizeAfterCopy",
+         [](auto&) { return FailNth<GetSizeHook>("GetFileSizeEx", 1, FALSE, LastError(ERROR_ACCESS_DENIED)); },
+         Text::FailedToWriteFile, "new", "new", false},
+        {"OpenForSizeAfterCopy",
          [](auto&) {
-             return FailNth<GetAttributesExHook>("GetFileAttributesExW", 1, FALSE, LastError(ERROR_ACCESS_DENIED));
+             return FailNth<CreateFileHook>("CreateFileW", 3, INVALID_HANDLE_VALUE, LastError(ERROR_ACCESS_DENIED));
          },
          Text::FailedToWriteFile, "new", "new", false},
         // tidying up

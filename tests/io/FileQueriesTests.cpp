@@ -228,7 +228,7 @@ TEST(GetFreeSpaceOnDisk, AsksForTheRoot)
     EXPECT_EQ(KelInsIO::GetFreeSpaceOnDisk("c:"), 0u);
     ASSERT_EQ(hook.Calls().size(), 3u);
     EXPECT_EQ(std::get<0>(hook.Calls()[0]), L"c:");
-    EXPECT_EQ(std::get<0>(hook.Calls()[1]), L"\\\\srv\\share");
+    EXPECT_EQ(std::get<0>(hook.Calls()[1]), L"\\\\srv\\share\\"); // as documented for shares
 }
 
 TEST(GetFreeSpaceOnDisk, IsMoreThanNothingOnARealDriveAndNothingElsewhere)
