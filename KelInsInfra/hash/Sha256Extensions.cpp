@@ -64,7 +64,7 @@ namespace {
 [[gnu::target("sha,sse4.1")]] void Sha256Engines::ShaExtensions(Words& chaining, const unsigned char* blocks,
                                                                 std::uint64_t count)
 {
-    const __m128i cdab = _mm_shuffle_epi32(Load(&chaining[0]), 0xB1);
+    const __m128i cdab = _mm_shuffle_epi32(Load(chaining.data()), 0xB1);
     const __m128i efgh = _mm_shuffle_epi32(Load(&chaining[4]), 0x1B);
     __m128i abef = _mm_alignr_epi8(cdab, efgh, 8);
     __m128i cdgh = _mm_blend_epi16(efgh, cdab, 0xF0);
@@ -74,7 +74,7 @@ namespace {
 
     const __m128i feba = _mm_shuffle_epi32(abef, 0x1B);
     const __m128i dchg = _mm_shuffle_epi32(cdgh, 0xB1);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(&chaining[0]), _mm_blend_epi16(feba, dchg, 0xF0));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(chaining.data()), _mm_blend_epi16(feba, dchg, 0xF0));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(&chaining[4]), _mm_alignr_epi8(dchg, feba, 8));
 }
 

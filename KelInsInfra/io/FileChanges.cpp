@@ -16,7 +16,7 @@ bool ReadEntry(const Path& path, FileRecord& record)
     if (ReadFileRecord(path.GetPath(), record) == 0)
         return true;
     const bool bareRoot = path.IsAbsolute() && path.GetSubPath().empty();
-    return bareRoot && ReadFileRecord(path.GetPath() + Path::Sep, record) == 0;
+    return bareRoot && ReadFileRecord(path.GetPath() + Path::SepC, record) == 0;
 }
 
 /// A missing directory and those above it that are missing too, deepest first.

@@ -7,7 +7,6 @@
 #include <fcntl.h>
 #include <io.h>
 #include <memory>
-#include <optional>
 #include <share.h>
 #include <vector>
 
@@ -18,24 +17,24 @@ using UniqueDescriptor = UniqueHandle<int, ::_close, -1>;
 
 constexpr unsigned kBlockSize = 65536;
 
-/// Empty when the file cannot be opened or identified.
-std::optional<BY_HANDLE_FILE_INFORMATION> Identify(const std::string& path)
+UniqueFileHandle OpenToIdentify(const std::string& path)
 {
     const std::wstring widePath = KelInsString::Widen(path);
-    const UniqueFileHandle file(::CreateFileW(widePath.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                              nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    BY_HANDLE_FILE_INFORMATION identity;
-    if (!file || !::GetFileInformationByHandle(file.Get(), &identity))
-        return std::nullopt;
-    return identity;
+    return UniqueFileHandle(::CreateFileW(widePath.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
+/// Both are open at once: the system promises an index to stay the same only while the file is open.
 bool AreSameFile(const std::string& a, const std::string& b)
 {
-    const auto first = Identify(a);
-    const auto second = Identify(b);
-    return first && second && first->dwVolumeSerialNumber == second->dwVolumeSerialNumber &&
-           first->nFileIndexHigh == second->nFileIndexHigh && first->nFileIndexLow == second->nFileIndexLow;
+    const UniqueFileHandle fileA = OpenToIdentify(a);
+    const UniqueFileHandle fileB = OpenToIdentify(b);
+    BY_HANDLE_FILE_INFORMATION first;
+    BY_HANDLE_FILE_INFORMATION second;
+    return fileA && fileB && ::GetFileInformationByHandle(fileA.Get(), &first) &&
+           ::GetFileInformationByHandle(fileB.Get(), &second) &&
+           first.dwVolumeSerialNumber == second.dwVolumeSerialNumber && first.nFileIndexHigh == second.nFileIndexHigh &&
+           first.nFileIndexLow == second.nFileIndexLow;
 }
 
 /// Opens a file that others may read, but not write meanwhile, and that child processes do not inherit.

@@ -65,6 +65,8 @@ bool Driver::Parse(std::istream& in)
 
 bool Driver::Parse(const std::string& text)
 {
+    const std::shared_ptr<Value> root = root_; // the text may be a key in the old document, which goes first
+    const auto open = open_;
     TextBuffer buffer(text);
     std::istream in(&buffer);
     return Parse(in);

@@ -60,29 +60,29 @@ public:
     Value(const Value&) = delete;
     Value& operator=(const Value&) = delete;
 
-    Type GetType() const { return type_; }
+    KELINS_API_INLINE Type GetType() const { return type_; }
 
     /// The name of the type ("Object", "Array", "Number", "String", "True", "False", "Null"); "???" for any other.
     KELINS_API std::string GetTypeString() const;
 
-    bool IsObject() const { return type_ == Type::Object; }
+    KELINS_API_INLINE bool IsObject() const { return type_ == Type::Object; }
 
-    bool IsArray() const { return type_ == Type::Array; }
+    KELINS_API_INLINE bool IsArray() const { return type_ == Type::Array; }
 
-    bool IsNumber() const { return type_ == Type::Number; }
+    KELINS_API_INLINE bool IsNumber() const { return type_ == Type::Number; }
 
-    bool IsString() const { return type_ == Type::String; }
+    KELINS_API_INLINE bool IsString() const { return type_ == Type::String; }
 
-    bool IsNull() const { return type_ == Type::Null; }
+    KELINS_API_INLINE bool IsNull() const { return type_ == Type::Null; }
 
-    bool IsTrue() const { return type_ == Type::True; }
+    KELINS_API_INLINE bool IsTrue() const { return type_ == Type::True; }
 
-    bool IsFalse() const { return type_ == Type::False; }
+    KELINS_API_INLINE bool IsFalse() const { return type_ == Type::False; }
 
-    bool IsBoolean() const { return IsTrue() || IsFalse(); }
+    KELINS_API_INLINE bool IsBoolean() const { return IsTrue() || IsFalse(); }
 
     /// Whether this is true. False, null, a string and all others give false.
-    bool GetBoolean() const { return IsTrue(); }
+    KELINS_API_INLINE bool GetBoolean() const { return IsTrue(); }
 
     /// The element at an index from 0; empty where there is none, and for any type but Array. Never throws.
     KELINS_API std::shared_ptr<Value> GetArrayValue(std::int32_t index) const;

@@ -21,21 +21,32 @@ HMODULE InstallerLibrary()
     return library;
 }
 
-/// Calls a function of msi.dll. Where it cannot be had, the result is the code of that failure.
+struct Answer
+{
+    UINT status; ///< of Windows Installer, or the code of the failure to reach it
+    bool reached;
+
+    bool Is(UINT expected) const { return reached && status == expected; }
+
+    /// What the answer is told apart by: a failure to reach Windows Installer is like none of its own.
+    UINT Known() const { return reached ? status : ERROR_SUCCESS; }
+};
+
+/// Calls a function of msi.dll.
 template <typename Function, typename... Arguments>
-UINT CallInstaller(const char* name, Arguments... arguments)
+Answer CallInstaller(const char* name, Arguments... arguments)
 {
     const HMODULE library = InstallerLibrary();
     const FARPROC address = library == nullptr ? nullptr : ::GetProcAddress(library, name);
     if (address == nullptr)
-        return ::GetLastError();
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(address))(arguments...);
+        return {::GetLastError(), false};
+    return {reinterpret_cast<Function*>(reinterpret_cast<void*>(address))(arguments...), true};
 }
 
-Version ListingFailure(UINT status, const std::string& upgradeCode)
+Version ListingFailure(const Answer& answer, const std::string& upgradeCode)
 {
-    const auto code = static_cast<std::int32_t>(status);
-    switch (status) {
+    const auto code = static_cast<std::int32_t>(answer.status);
+    switch (answer.Known()) {
     case ERROR_BAD_CONFIGURATION:
         return {"The configuration data is corrupt",
                 R"(Invalid value in HKEY_CLASSES_ROOT\Installer\UpgradeCodes\)" + UUIDtoRegistryKey(upgradeCode), code};
@@ -47,10 +58,10 @@ Version ListingFailure(UINT status, const std::string& upgradeCode)
 }
 
 /// @param value  what the failed call left of the version.
-Version ProductFailure(UINT status, const std::string& productCode, const std::string& value)
+Version ProductFailure(const Answer& answer, const std::string& productCode, const std::string& value)
 {
-    const auto code = static_cast<std::int32_t>(status);
-    switch (status) {
+    const auto code = static_cast<std::int32_t>(answer.status);
+    switch (answer.Known()) {
     case ERROR_UNKNOWN_PRODUCT:
         return {"The product is unadvertised or uninstalled",
                 R"(Unknown key HKEY_CLASSES_ROOT\Installer\Products\)" + UUIDtoRegistryKey(productCode), code};
@@ -60,7 +71,7 @@ Version ProductFailure(UINT status, const std::string& productCode, const std::s
                 R"(UserData\S-1-5-18\Products\)" +
                     UUIDtoRegistryKey(productCode),
                 code};
-    default: // the value, not the product code: kept for readers of the first release's reports
+    default: // the value, not the product code: it tells what the call had found
         return {"MsiGetProductInfo failed", "Unknown error for Product Code: " + value, code};
     }
 }
@@ -69,11 +80,11 @@ Version ReadVersion(const wchar_t* productCode)
 {
     std::array<wchar_t, kVersionUnits + 1> value{}; // one unit is never written: a NUL whatever the call leaves
     DWORD unitCount = kVersionUnits;
-    const UINT status = CallInstaller<decltype(::MsiGetProductInfoW)>(
+    const Answer answer = CallInstaller<decltype(::MsiGetProductInfoW)>(
         "MsiGetProductInfoW", productCode, INSTALLPROPERTY_VERSIONSTRING, value.data(), &unitCount);
-    if (status == ERROR_SUCCESS)
+    if (answer.Is(ERROR_SUCCESS))
         return KelInsString::Narrow(value.data());
-    return ProductFailure(status, KelInsString::Narrow(productCode), KelInsString::Narrow(value.data()));
+    return ProductFailure(answer, KelInsString::Narrow(productCode), KelInsString::Narrow(value.data()));
 }
 
 } // namespace
@@ -84,13 +95,13 @@ std::vector<Version> GetVersion(const std::string& upgradeCode)
     std::vector<Version> versions;
     for (DWORD index = 0; index < kMaxListings; ++index) {
         std::array<wchar_t, MAX_GUID_CHARS + 1> productCode{};
-        const UINT status = CallInstaller<decltype(::MsiEnumRelatedProductsW)>(
+        const Answer answer = CallInstaller<decltype(::MsiEnumRelatedProductsW)>(
             "MsiEnumRelatedProductsW", wideUpgradeCode.c_str(), DWORD{0}, index, productCode.data());
-        if (status == ERROR_NO_MORE_ITEMS)
+        if (answer.Is(ERROR_NO_MORE_ITEMS))
             break;
-        versions.push_back(status == ERROR_SUCCESS ? ReadVersion(productCode.data())
-                                                   : ListingFailure(status, upgradeCode));
-        if (status == ERROR_INVALID_PARAMETER)
+        versions.push_back(answer.Is(ERROR_SUCCESS) ? ReadVersion(productCode.data())
+                                                    : ListingFailure(answer, upgradeCode));
+        if (answer.Is(ERROR_INVALID_PARAMETER))
             break;
     }
     return versions;

@@ -123,7 +123,7 @@ KELINS_API std::uint64_t GetValues(RootKey parent, std::vector<std::string>& nam
 /// @{
 
 /// Stores a text (REG_SZ) with its terminating NUL. The stored size is two bytes for each byte of UTF-8, and two more:
-/// text that is not ASCII is followed by more than one NUL, as readers of the stored size have come to expect.
+/// text that is not ASCII is followed by more than one NUL.
 /// @throws "SetValue - <name>, <value> - <system text>\n"
 KELINS_API void SetValue(const Key& parent, const std::string& name, const std::string& value);
 KELINS_API void SetValue(RootKey parent, const std::string& name, const std::string& value);

@@ -11,11 +11,11 @@ const std::string HKCR = "HKCR";
 
 RootKey GetRootKeyHandleFromString(const std::string& text)
 {
-    if (text == HKLM)
+    if (text == "HKLM")
         return RootKey::LocalMachine;
-    if (text == HKCU)
+    if (text == "HKCU")
         return RootKey::CurrentUser;
-    if (text == HKCR)
+    if (text == "HKCR")
         return RootKey::ClassesRoot;
     throw KelInsException("GetRootKeyHandleFromString - " + text);
 }

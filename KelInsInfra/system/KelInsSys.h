@@ -66,7 +66,8 @@ KELINS_API std::vector<std::string> GetEnvironment();
 
 /// Full path of this process's program (not of this library), as the system spells it.
 ///
-/// A path of more than 260 characters is cut off there. Asked by the first call and kept; each call returns a copy.
+/// A path of 260 or more characters is cut off: the system gives the first 259, or 260. Asked by the first call and
+/// kept; each call returns a copy.
 /// @throws "GetModuleFileName failed. - <system text>\n". The next call then tries again.
 KELINS_API std::string GetExecutablePath();
 

@@ -2,6 +2,7 @@
 #include <KelInsInfra/foundation/internal/WindowsApi.h>
 #include <KelInsInfra/system/KelInsSys.h>
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <optional>
 
@@ -95,7 +96,10 @@ std::string GetHostname()
 
 std::string GetUsername()
 {
-    static const auto getUserNameEx = FindEntry<decltype(&::GetUserNameExW)>(LoadSecurityLibrary(), "GetUserNameExW");
+    static std::atomic<decltype(&::GetUserNameExW)> entry; // found once; a failure is tried again at the next call
+    if (entry == nullptr)
+        entry = FindEntry<decltype(&::GetUserNameExW)>(LoadSecurityLibrary(), "GetUserNameExW");
+    const auto getUserNameEx = entry.load();
     std::array<wchar_t, 257> buffer{};
     auto units = static_cast<ULONG>(buffer.size());
     if (getUserNameEx == nullptr || !getUserNameEx(NameSamCompatible, buffer.data(), &units))

@@ -57,12 +57,6 @@ const Element* AsElement(const Content& node)
     return node.GetType() == ContentElement ? static_cast<const Element*>(&node) : nullptr;
 }
 
-bool IsElementNamed(const std::shared_ptr<Content>& node, const std::string& name)
-{
-    const Element* element = AsElement(*node);
-    return element != nullptr && element->GetName() == name;
-}
-
 template <typename Link, typename Matches>
 bool RemoveLinks(Link*& first, Link*& last, bool onlyFirst, const Matches& matches)
 {
@@ -275,12 +269,20 @@ void Element::RemoveAllContent()
 
 bool Element::RemoveChild(const std::string& name)
 {
-    return RemoveLinks(first_, last_, true, [&name](const auto& node) { return IsElementNamed(node, name); });
+    return RemoveElements(name, true);
 }
 
 bool Element::RemoveChildren(const std::string& name)
 {
-    return RemoveLinks(first_, last_, false, [&name](const auto& node) { return IsElementNamed(node, name); });
+    return RemoveElements(name, false);
+}
+
+bool Element::RemoveElements(const std::string& name, bool onlyFirst)
+{
+    return RemoveLinks(first_, last_, onlyFirst, [&name](const auto& node) {
+        const Element* element = AsElement(*node);
+        return element != nullptr && element->name_ == name; // GetName would copy, and could run out of memory half-way
+    });
 }
 
 bool Element::RemoveContent(const std::shared_ptr<Content>& content)

@@ -86,6 +86,8 @@ public:
     bool RemoveContent(const std::shared_ptr<Content>& content);
 
 private:
+    bool RemoveElements(const std::string& name, bool onlyFirst);
+
     friend class Printer;
     friend class Parser;
 

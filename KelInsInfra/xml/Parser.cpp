@@ -18,6 +18,8 @@ namespace {
 /// Zero bytes behind the input: no byte that is looked for is zero, so short look-ahead needs no test for the end.
 constexpr std::size_t kZeroBytesBehind = 4;
 
+constexpr std::streamoff kLargestRead = 1 << 30;
+
 /// More than std::allocate_shared needs beside the object.
 constexpr std::size_t kOfSharedPointer = 64;
 
@@ -125,9 +127,13 @@ Parser::Parser(std::istream& input)
     if (size < 0 || !input)
         throw std::runtime_error(kMessage);
     buffer_ = std::make_unique_for_overwrite<char[]>(static_cast<std::size_t>(size) + kZeroBytesBehind);
-    input.read(buffer_.get(), size);
     end_ = buffer_.get() + size;
-    std::fill(buffer_.get() + input.gcount(), buffer_.get() + size + kZeroBytesBehind, '\0'); // what was not delivered
+    std::streamoff delivered = 0;
+    for (; delivered < size && input; delivered += input.gcount()) // in pieces: file systems take 2 GiB at most
+        input.read(buffer_.get() + delivered, std::min(size - delivered, kLargestRead));
+    if (input.bad())
+        throw std::runtime_error(kMessage);
+    std::fill(buffer_.get() + delivered, buffer_.get() + size + kZeroBytesBehind, '\0'); // what was not delivered
 }
 
 Parser::~Parser() = default;

@@ -51,8 +51,8 @@ public:
     /// Reads the whole stream, from its start to its end as told by seeking, and does not use it afterwards. Open files
     /// in binary mode: in text mode fewer bytes come than were told, and Parse refuses the zero bytes that remain.
     ///
-    /// @throws std::runtime_error  "Cannot read XML data" when the stream has failed already, or cannot tell its size
-    ///         or go back to its start.
+    /// @throws std::runtime_error  "Cannot read XML data" when the stream has failed already, cannot tell its size
+    ///         or go back to its start, or breaks while it is read.
     KELINS_API explicit Parser(std::istream& input);
     KELINS_API ~Parser();
     Parser(const Parser&) = delete;

@@ -169,6 +169,17 @@ TEST(JsonRelease, OnSeveralThreads)
 const char* const kExample =
     "{\"a\": [1, -2.50e+3, \"x\\ty\\u00e9\\\\\"], \"\": {\"k\": true},\r\n \"b\": false, # \"a\": null}";
 
+/// The text may lie in the document that the parse releases first.
+TEST(JsonParse, TextIsAKeyOfTheDriversOwnDocument)
+{
+    JSON::Driver driver;
+    driver.NewObject();
+    const std::string key = "[1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16]";
+    ASSERT_TRUE(driver.AddToObject(key, JSON::Driver::CreateNull()));
+    ASSERT_TRUE(driver.Parse(driver.GetValue()->GetObjectValues()[0]->first));
+    EXPECT_EQ(driver.GetJSON(), key);
+}
+
 TEST(JsonCutOff, AtEveryByte)
 {
     const std::string text = kExample;

@@ -193,6 +193,7 @@ TEST(UsernameIsolated, EmptyWithoutTheLibrary)
     LoadHook hook("LoadLibraryExW");
     hook.FailCall(1, nullptr, LastError(ERROR_MOD_NOT_FOUND));
     EXPECT_EQ(KelInsSys::GetUsername(), "");
+    EXPECT_NE(KelInsSys::GetUsername(), ""); // tried again
 }
 
 TEST(UsernameIsolated, EmptyWithoutTheEntry)

@@ -172,4 +172,21 @@ TEST(XmlParserStream, FileInBinaryMode)
     EXPECT_EQ(RootOf(input), "a");
 }
 
+/// Breaks after some bytes: a file on a disk or in a network that fails.
+class BreakingSource : public Source
+{
+public:
+    using Source::Source;
+
+protected:
+    int_type underflow() override { throw std::runtime_error("broken"); }
+};
+
+TEST(XmlParserStream, BreaksWhileItIsRead)
+{
+    BreakingSource source("<a/>", 100); // four bytes, then the failure
+    std::istream input(&source);
+    ExpectThrowsText<std::runtime_error>([&] { Parser parser(input); }, kCannotRead);
+}
+
 } // namespace

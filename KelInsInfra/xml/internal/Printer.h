@@ -24,7 +24,7 @@ public:
     std::string Take() { return std::move(out_); }
 
 private:
-    void PrintContent(const Element& element);
+    void PrintContent(const Element& outermost);
     void PrintLeaf(const Content& node);
     bool OpenElement(const Element& element, bool noBreak);
     void CloseElement(const Element& element);
