@@ -55,12 +55,14 @@ void DeleteTree(const std::string& root)
     }
 }
 
-/// Of a directory that was found empty. The system refuses one that is not: a file that appeared meanwhile, or that an
-/// error of the search had hidden, is never deleted.
-bool TryRemove(const std::string& path)
+bool TryDelete(const std::string& path)
 {
-    const std::wstring widePath = KelInsString::Widen(path);
-    return ::RemoveDirectoryW(widePath.c_str()) != 0;
+    try {
+        Delete(path);
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
 }
 
 bool RemoveEmptyBranches(const std::string& root)
@@ -73,7 +75,7 @@ bool RemoveEmptyBranches(const std::string& root)
             const bool remains = directory.remains;
             const std::string path = std::move(directory.path);
             way.pop_back();
-            const bool removed = !remains && TryRemove(path);
+            const bool removed = !remains && TryDelete(path);
             if (way.empty())
                 return removed;
             way.back().remains |= !removed;
