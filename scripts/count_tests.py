@@ -18,11 +18,13 @@ for folder in map(pathlib.Path, sys.argv[1:]):
     count = dict.fromkeys(total, 0)
     skipped = []
     for report in folder.glob("*.xml"):
-        for case in ET.parse(report).iter("testcase"):
+        text = report.read_bytes().decode(errors="replace")  # a failure's message may hold any byte
+        for case in ET.fromstring(text).iter("testcase"):
             if case.get("status") != "run":
                 continue
             if case.find("failure") is not None:
                 result = "failed"
+                print(f"    FAILED: {case.get('classname')}.{case.get('name')}")
             elif case.get("result") == "skipped":
                 result = "skipped"
                 skipped.append(f"{case.get('classname')}.{case.get('name')}")

@@ -35,9 +35,10 @@ step() { # TITLE COMMAND...: runs it with its output in a log, and says how it w
         return 0
     fi
     printf 'FAILED %3d s\n' $((SECONDS - start))
-    grep -nE 'error|FAILED|Failure|Failed|runtime error|==ERROR' "$log" | head -n 30
     echo "    last lines of build/logs/$(basename "$log"):"
     tail -n 30 "$log" | sed 's/^/    /'
+    echo "    failures in it:"
+    grep -anE -A 3 'error:|FAILED|Failure|runtime error|==ERROR' "$log" | tail -n 40 | cut -c 1-300
     failed+=("$title")
     return 1
 }

@@ -17,7 +17,7 @@ struct Case
     const char* json;
     std::string echo = {};
 
-    friend void PrintTo(const Case& c, std::ostream* out) { *out << c.text; }
+    friend void PrintTo(const Case& c, std::ostream* out) { *out << testing::PrintToString(c.text); }
 };
 
 const char* const kError = nullptr;

@@ -1,6 +1,7 @@
+#include "tests/support/Growth.h"
+
 #include <KelInsInfra/json/Driver.h>
 #include <algorithm>
-#include <ctime>
 #include <functional>
 #include <gtest/gtest.h>
 #include <iostream>
@@ -8,33 +9,15 @@
 #include <unordered_map>
 #include <vector>
 
-/// Four times the work must take about four times as long: under six times, taken from the best of a few rounds.
+/// Four times the work must take about four times as long: under six times.
 
 namespace {
 
 using JSON::Driver;
 
-double BestSeconds(const std::function<void()>& work)
-{
-    double best = 1e9;
-    for (int round = 0; round < 3; ++round) {
-        const std::clock_t begin = std::clock(); // of the processor, so that other programs do not count
-        work();
-        best = std::min(best, static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC);
-    }
-    return best;
-}
-
 void ExpectLinear(std::size_t size, const std::function<void(std::size_t)>& work)
 {
-    double ratio = 0;
-    for (int attempt = 0; attempt < 4; ++attempt) { // other processes disturb the measurement
-        const double once = std::max(1e-4, BestSeconds([&] { work(size / 4); }));
-        ratio = BestSeconds([&] { work(size); }) / once;
-        if (ratio < 6)
-            return;
-    }
-    ADD_FAILURE() << "four times the size took " << ratio << " times as long";
+    EXPECT_LT(GrowthFactor([&] { work(size / 4); }, [&] { work(size); }), 6);
 }
 
 void ParseAll(const std::string& text)

@@ -2,6 +2,7 @@
 
 #include "Heap.h"
 #include "SmallStack.h"
+#include "tests/support/Growth.h"
 
 #include <KelInsInfra/xml/Comment.h>
 #include <KelInsInfra/xml/Exception.h>
@@ -9,7 +10,6 @@
 #include <KelInsInfra/xml/Parser.h>
 #include <KelInsInfra/xml/Text.h>
 #include <algorithm>
-#include <ctime>
 #include <functional>
 #include <gtest/gtest.h>
 #include <limits>
@@ -95,25 +95,9 @@ TEST(XmlDepth, RemoveAndReplace)
 
 // --- growth: four times the work takes about four times the time ---
 
-/// The least of the ratios measured: a machine that is busy with something else gives a few wrong ones, while work that
-/// grows with the square gives 16 every time.
 double GrowthFactor(const std::function<std::function<void()>(std::size_t size)>& prepare, std::size_t size)
 {
-    const auto small = prepare(size);
-    const auto large = prepare(size * 4);
-    const auto seconds = [](const std::function<void()>& work) {
-        double least = std::numeric_limits<double>::max();
-        for (int i = 0; i < 2; ++i) {
-            const std::clock_t start = std::clock();
-            work();
-            least = std::min(least, static_cast<double>(std::clock() - start + 1) / CLOCKS_PER_SEC);
-        }
-        return least;
-    };
-    double ratio = std::numeric_limits<double>::max();
-    for (int attempt = 0; attempt < 5 && ratio >= 6; ++attempt)
-        ratio = std::min(ratio, seconds(large) / seconds(small));
-    return ratio;
+    return ::GrowthFactor(prepare(size), prepare(size * 4));
 }
 
 struct GrowthCase
