@@ -274,7 +274,7 @@ receipt_is_right() {
         and .version == "1.0.0" and .target == $target and .files == $files and (.user | type) == "string"
         and .options == {SERVERPORT: "8090", SITENAME: $site, SITESFILE: $sites}' "$target/state.json" &&
         python3 -c 'import sys, uuid; u = uuid.UUID(sys.argv[1]); assert u.version == 4 and u.variant == uuid.RFC_4122 and str(u) == sys.argv[1]' \
-            "$(jq -r .id "$target/state.json")" && note "id $(jq -r .id "$target/state.json")"
+            "$(jq -r .id "$target/state.json" | tee "$demo/id")" && note "id $(jq -r .id "$target/state.json")"
 }
 
 templates_are_filled_in() {
@@ -298,7 +298,8 @@ server_is_upgraded() {
     setup 0 upgrade "$(windows "$newer")" "$(windows "$target")" --set SERVERPORT=8091 && says "Upgraded to 2.0.0." &&
         diff - <(ls "$target/server") <<<$'release notes 2.0.0.txt\nserver.ini\nwelcome.html' &&
         python3 scripts/demo_check.py server examples/package/files "$target/server" "$(windows "$target")\\server" 8091 "$site" &&
-        entry_is_right 2.0.0 "$new" && jq -e '.version == "2.0.0" and .options.SERVERPORT == "8091"' "$target/state.json" &&
+        entry_is_right 2.0.0 "$new" && jq -e --arg site "$site" --arg sites "$(windows "$sites")" --arg id "$(cat "$demo/id")" '
+            .version == "2.0.0" and .id != $id and .options == {SERVERPORT: "8091", SITENAME: $site, SITESFILE: $sites}' "$target/state.json" &&
         registry 64 'HKLM\Software\Microsoft\Windows\CurrentVersion\Installer\UserData' "$demo/products.reg" &&
         [ "$(grep -c '^"DisplayName"="Orchard Server Core"$' "$demo/products.reg")" -eq 1 ] &&
         grep -qF "\\Products\\$(python3 scripts/demo_check.py packed "$new")\\InstallProperties" "$demo/products.reg" &&

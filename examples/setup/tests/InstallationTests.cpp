@@ -244,6 +244,7 @@ TEST_F(Installation, GivesWayToANewerVersion)
     ExpectRefused("Orchard Server 2.0.0 is installed, which is newer than 1.0.0.\n"
                   "Uninstall it first, if you really want to go back to the older version.");
     EXPECT_TRUE(Exists(newer.target + R"(\server\server.ini)"));
+    Setup::RemovePackage("{A0000002-4B1D-4E0B-9C3C-1F2E3D4C5B60}", sample.log);
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 
 namespace {
 
+const std::string kProduct = "Orchard Server";
 const std::string kProductCodes[] = {"{A0000001-4B1D-4E0B-9C3C-1F2E3D4C5B60}",
                                      "{A0000002-4B1D-4E0B-9C3C-1F2E3D4C5B60}"};
 
@@ -42,9 +43,10 @@ SamplePayload::SamplePayload(const std::string& packageVersion) : version(packag
 SamplePayload::~SamplePayload()
 {
     try {
-        for (const std::string& code : kProductCodes)
-            Setup::RemovePackage(code, log);
-        Setup::Unregister("Orchard Server");
+        if (const auto registration = Setup::FindRegistration(kProduct)) {
+            Setup::RemovePackage(registration->productCode, log);
+            Setup::Unregister(kProduct);
+        }
     } catch (const std::exception&) { // the test that comes next will tell
     }
 }
