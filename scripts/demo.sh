@@ -6,7 +6,7 @@
 #
 #   scripts/demo.sh              everything; leaves nothing but the build
 #   scripts/demo.sh --step N     the story up to step N (1 to 18), and no further
-#   scripts/demo.sh --keep       leaves payloads, installations and prefixes in build/demo for a look
+#   scripts/demo.sh --keep       leaves an installation, payloads and prefixes in build/demo for a look
 #   scripts/demo.sh --help       shows this text
 #
 # Works in build/ alone: your own Wine prefix is never touched. Exits 0 only when every step passed.
@@ -118,10 +118,11 @@ manifest_is_read_in_order() { # its order is turned round: the files come the ot
 
 broken_manifest() { # COMMAND: damages it; nothing but an error may come out
     # shellcheck disable=SC2086 # the command has words
-    $1 "$small/manifest.json" >"$demo/small/turned/manifest.json" &&
-        ! python3 -c 'import json, sys; json.load(open(sys.argv[1], encoding="utf-8"))' "$demo/small/turned/manifest.json" 2>/dev/null &&
+    $1 "$small/manifest.json" >"$demo/small/turned/manifest.json" || return 1
+    echo "after $1:"
+    ! python3 -c 'import json, sys; json.load(open(sys.argv[1], encoding="utf-8"))' "$demo/small/turned/manifest.json" 2>/dev/null &&
         setup 1 check "$(windows "$demo/small/turned")" "$(windows "$demo/turned")" && says "manifest.json is not JSON" &&
-        [ ! -s "$output.out" ] || fail "after $1"
+        [ ! -s "$output.out" ]
 }
 
 tampered_payload_is_refused() { # one byte of one file; sha256sum finds the same one
@@ -391,7 +392,11 @@ step 18 "setup uninstall: everything goes but what is the user's" story everythi
 [ "$cases" = no ] || show_cases
 
 if [ "$keep" = yes ]; then
-    echo "Everything is left in build/demo: payloads, installations, prefixes."
+    use_prefix story
+    if [ "$last_step" -eq 18 ]; then
+        check "setup install, to be looked at" setup 0 install "$(windows "$payload")" "$(windows "$demo/kept")"
+    fi
+    echo "Left in build/demo: payloads, prefixes, and the installation in $(find "$demo/kept" "$target" -maxdepth 0 2>/dev/null | head -n 1)"
 else
     stop_servers
     rm -rf "$demo"

@@ -85,7 +85,7 @@ void Make(const Checked& checked, const std::string& target, const Properties& o
         list.AddDirectory(".");
     undo.WillMake(target + Path::Sep + Receipt::kFileName);
     WriteReceipt(target, checked.manifest, options);
-    undo.WillDo([&] { Unregister(checked.manifest.product); });
+    undo.WillDo([product = checked.manifest.product] { Unregister(product); });
     Register(checked.manifest, target);
 
     MakeDirectories(checked.payload, target, undo, list);

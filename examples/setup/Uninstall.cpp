@@ -146,6 +146,23 @@ std::optional<Registration> RegistrationOf(const std::string& target, const std:
     return registration;
 }
 
+/// Empty where there is no receipt: what only it leads to stays then.
+std::string ReadProduct(const std::string& target, Log& log)
+{
+    std::optional<Receipt> receipt;
+    try {
+        receipt = ReadReceipt(target);
+    } catch (const std::exception& error) {
+        throw std::runtime_error(TextOf(error) + "\nNothing was removed. Restore the file; or delete it, and uninstall "
+                                                 "again: only the server and the entry among the installed programs "
+                                                 "stay then.");
+    }
+    if (!receipt)
+        log.Tell("There is no " + Receipt::kFileName + ": an installed server, and an entry among the installed " +
+                 "programs, stay.");
+    return receipt ? receipt->product : "";
+}
+
 void TellKept(const std::vector<std::string>& kept, Log& log)
 {
     constexpr std::size_t kMost = 20;
@@ -174,8 +191,7 @@ void Uninstall(const std::string& target, Log& log)
     ExpectAdministrator();
     const std::string listFile = target + Path::Sep + InstallList::kFileName;
     const InstallList list = ReadList(listFile, target);
-    const std::optional<Receipt> receipt = ReadReceipt(target);
-    const std::string product = receipt ? receipt->product : "";
+    const std::string product = ReadProduct(target, log);
     const std::optional<Registration> registration = RegistrationOf(target, product);
 
     log.Tell("Uninstalling " + std::to_string(list.GetFileCount()) + " files from " + target);
@@ -189,8 +205,9 @@ void Uninstall(const std::string& target, Log& log)
 
     if (registration)
         Unregister(product);
-    if (receipt)
-        KelInsIO::Delete(target + Path::Sep + Receipt::kFileName);
+    const std::string receiptFile = target + Path::Sep + Receipt::kFileName;
+    if (KelInsIO::Exists(receiptFile))
+        KelInsIO::Delete(receiptFile);
     KelInsIO::Delete(listFile);
     if (list.HasDirectory(".") && FindFile::IsDirectoryEmpty(target))
         KelInsIO::Delete(target);

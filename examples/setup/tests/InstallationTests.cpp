@@ -114,6 +114,26 @@ TEST_F(Installation, UninstallsWhatIsRegisteredElsewhereOnlyThere)
     EXPECT_EQ(EntryText("InstallLocation", RegistryView::Force64RegView), target);
 }
 
+TEST_F(Installation, BrokenReceiptStopsTheUninstallation)
+{
+    Install();
+    const std::string receipt = target + R"(\state.json)";
+    const std::string text = ReadFile(receipt);
+    WriteFile(receipt, text.substr(0, 40));
+    EXPECT_THAT(
+        [&] { Uninstall(); },
+        ThrowsMessage<std::runtime_error>(
+            AllOf(StartsWith("The file " + receipt + " is not JSON: it was damaged or cut off.\nNothing was removed."),
+                  HasSubstr("delete it, and uninstall again"))));
+    EXPECT_TRUE(Exists(target + R"(\docs\read me.txt)"));
+
+    KelInsIO::Delete(receipt); // as it says
+    Uninstall();
+    EXPECT_FALSE(Exists(target + R"(\docs\read me.txt)"));
+    EXPECT_TRUE(Exists(server));
+    EXPECT_TRUE(Setup::FindRegistration(kProduct));
+}
+
 TEST_F(Installation, KeepsAFolderThatWasThereBefore)
 {
     KelInsIO::CreateDir(target);
