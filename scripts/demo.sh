@@ -6,6 +6,7 @@
 #
 #   scripts/demo.sh              everything; leaves nothing but the build
 #   scripts/demo.sh --step N     the story up to step N (1 to 18), and no further
+#   scripts/demo.sh --only N     step N alone, with the installation that it looks at
 #   scripts/demo.sh --keep       leaves an installation, payloads and prefixes in build/demo for a look
 #   scripts/demo.sh --help       shows this text
 #
@@ -16,16 +17,18 @@ cd "$root" || exit 1
 
 keep=no
 last_step=18
+only_step=
 cases=yes # what goes wrong, after the story
 while [ $# -gt 0 ]; do
     case $1 in
         --keep) keep=yes ;;
-        --step)
+        --step | --only)
+            [[ ${2:-} =~ ^([1-9]|1[0-8])$ ]] || { echo "$1 needs a number from 1 to 18" >&2; exit 2; }
+            cases=no
+            if [ "$1" = --step ]; then last_step=$2; else only_step=$2; fi
             shift
-            [[ ${1:-} =~ ^([1-9]|1[0-8])$ ]] || { echo "--step needs a number from 1 to 18" >&2; exit 2; }
-            last_step=$1 cases=no
             ;;
-        -h | --help) sed -n '2,13s/^# \?//p' "${BASH_SOURCE[0]}"; exit 0 ;;
+        -h | --help) sed -n '2,14s/^# \?//p' "${BASH_SOURCE[0]}"; exit 0 ;;
         *) echo "unknown option $1; see --help" >&2; exit 2 ;;
     esac
     shift
@@ -275,7 +278,7 @@ receipt_is_right() {
         and .version == "1.0.0" and .target == $target and .files == $files and (.user | type) == "string"
         and .options == {SERVERPORT: "8090", SITENAME: $site, SITESFILE: $sites}' "$target/state.json" &&
         python3 -c 'import sys, uuid; u = uuid.UUID(sys.argv[1]); assert u.version == 4 and u.variant == uuid.RFC_4122 and str(u) == sys.argv[1]' \
-            "$(jq -r .id "$target/state.json" | tee "$demo/id")" && note "id $(jq -r .id "$target/state.json")"
+            "$(jq -r .id "$target/state.json")" && note "id $(jq -r .id "$target/state.json")"
 }
 
 templates_are_filled_in() {
@@ -294,12 +297,13 @@ entry_is_right() { # VERSION PRODUCT_CODE: among the installed programs, in both
 # --- 15 to 18: later -----------------------------------------------------------------------------------------------------
 
 server_is_upgraded() {
-    local old new
+    local old new id
+    id=$(jq -r .id "$target/state.json")
     old=$(jq -r .package.productCode "$payload/manifest.json") new=$(jq -r .package.productCode "$newer/manifest.json")
     setup 0 upgrade "$(windows "$newer")" "$(windows "$target")" --set SERVERPORT=8091 && says "Upgraded to 2.0.0." &&
         diff - <(ls "$target/server") <<<$'release notes 2.0.0.txt\nserver.ini\nwelcome.html' &&
         python3 scripts/demo_check.py server examples/package/files "$target/server" "$(windows "$target")\\server" 8091 "$site" &&
-        entry_is_right 2.0.0 "$new" && jq -e --arg site "$site" --arg sites "$(windows "$sites")" --arg id "$(cat "$demo/id")" '
+        entry_is_right 2.0.0 "$new" && jq -e --arg site "$site" --arg sites "$(windows "$sites")" --arg id "$id" '
             .version == "2.0.0" and .id != $id and .options == {SERVERPORT: "8091", SITENAME: $site, SITESFILE: $sites}' "$target/state.json" &&
         registry 64 'HKLM\Software\Microsoft\Windows\CurrentVersion\Installer\UserData' "$demo/products.reg" &&
         [ "$(grep -c '^"DisplayName"="Orchard Server Core"$' "$demo/products.reg")" -eq 1 ] &&
@@ -346,7 +350,7 @@ END
 
 everything_is_removed() {
     local code
-    code=$(jq -r .package.productCode "$newer/manifest.json")
+    registry 64 "$uninstall_key" "$demo/entry.reg" && code=$(sed -n 's/^"PackageProductCode"="\(.*\)"$/\1/p' "$demo/entry.reg")
     change_installation && uninstall_after_changes && is_not_installed && [ ! -e "$target/server" ] &&
         printf '@echo off\r\nstart /wait msiexec /x %s /qn\r\necho code %%errorlevel%%\r\nexit /b 0\r\n' "$code" >"$demo/again.bat" &&
         scripts/wine.sh cmd /c "$(windows "$demo/again.bat")" | tr -d '\r' | tee "$demo/again" && grep -qx 'code 1605' "$demo/again" &&
@@ -393,7 +397,7 @@ step 18 "setup uninstall: everything goes but what is the user's" story everythi
 
 if [ "$keep" = yes ]; then
     use_prefix story
-    if [ "$last_step" -eq 18 ]; then
+    if [ ! -e "$target/$list_name" ]; then
         check "setup install, to be looked at" setup 0 install "$(windows "$payload")" "$(windows "$demo/kept")"
     fi
     echo "Left in build/demo: payloads, prefixes, and the installation in $(find "$demo/kept" "$target" -maxdepth 0 2>/dev/null | head -n 1)"

@@ -8,7 +8,7 @@ checks=0
 failed=0
 
 run_logged() { # LOG TITLE COMMAND...: on a terminal with a progress bar as soon as there is progress to show
-    local log=$1 title=$2 process percent status
+    local log=$1 title=$2 process percent bar line status
     shift 2
     if [ ! -t 1 ]; then
         ("$@") >"$log" 2>&1 </dev/null
@@ -18,11 +18,9 @@ run_logged() { # LOG TITLE COMMAND...: on a terminal with a progress bar as soon
     process=$!
     while kill -0 "$process" 2>/dev/null; do
         percent=$(tail -c 200 "$log" 2>/dev/null | grep -aoE '[0-9]+ %' | tail -n 1 | tr -d ' %')
-        if [ -n "$percent" ]; then
-            printf '%s… %s [%-20s]' "$clear" "$title" "$(printf '%*s' $((percent / 5)) '' | tr ' ' '#')"
-        else
-            printf '%s… %s' "$clear" "$title"
-        fi
+        printf -v bar '%*s' $((${percent:-0} / 5)) ''
+        printf -v line '… [%-20s] %s' "${bar// /#}" "$title"
+        printf '%s%s' "$clear" "${line:0:$(($(tput cols 2>/dev/null || echo 80) - 1))}"
         sleep 0.2
     done
     wait "$process"
@@ -57,11 +55,21 @@ needed() { # a check without which the others make no sense
 }
 
 step() { # NUMBER TITLE PREFIX COMMAND...: one step of the story, in that scenario's prefix
-    [ "$1" -le "$last_step" ] || return 0
+    is_wanted "$1" || return 0
     local number=$1 title=$2 prefix=$3
     shift 3
     use_prefix "$prefix"
     check "$(printf '%2d. %s' "$number" "$title")" "$@"
+}
+
+is_wanted() { # NUMBER: up to the last step; or that one alone, with the installation that it looks at
+    if [ -z "$only_step" ]; then
+        [ "$1" -le "$last_step" ]
+    elif [ "$1" -eq 5 ]; then
+        case $only_step in 1 | 2 | 3 | 4 | 16 | 17) false ;; esac
+    else
+        [ "$1" -eq "$only_step" ]
+    fi
 }
 
 note() { # TEXT: shown beside the title
