@@ -13,16 +13,27 @@ using KelInsReg::Key;
 using KelInsReg::RegistryView;
 using KelInsReg::RootKey;
 
-const std::string kInstalledPrograms = R"(Software\Microsoft\Windows\CurrentVersion\Uninstall)";
+const std::string kCurrentVersion = R"(Software\Microsoft\Windows\CurrentVersion)";
+const std::string kUninstall = "Uninstall";
+const std::string kInstalledPrograms = kCurrentVersion + '\\' + kUninstall;
 const std::string kProductCode = "PackageProductCode"; // ours: the others are Windows' own names
 constexpr RegistryView kViews[] = {RegistryView::Force64RegView, RegistryView::Force32RegView};
 
+Key Open(const std::string& path, RegistryView view)
+{
+    return KelInsReg::OpenKey(RootKey::LocalMachine, path, AccessRights::ReadOnly, view);
+}
+
+bool HasSubkey(const Key& key, const std::string& name)
+{
+    std::vector<std::string> names;
+    KelInsReg::GetSubkeys(key, names);
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
 bool HasEntry(const std::string& product, RegistryView view)
 {
-    const Key programs = KelInsReg::CreateKey(RootKey::LocalMachine, kInstalledPrograms, view);
-    std::vector<std::string> names;
-    KelInsReg::GetSubkeys(programs, names);
-    return std::find(names.begin(), names.end(), product) != names.end();
+    return HasSubkey(Open(kCurrentVersion, view), kUninstall) && HasSubkey(Open(kInstalledPrograms, view), product);
 }
 
 } // namespace
@@ -32,8 +43,7 @@ std::optional<Registration> FindRegistration(const std::string& product)
     const RegistryView view = RegistryView::Force64RegView;
     if (!HasEntry(product, view))
         return std::nullopt;
-    const Key key =
-        KelInsReg::OpenKey(RootKey::LocalMachine, kInstalledPrograms + '\\' + product, AccessRights::ReadOnly, view);
+    const Key key = Open(kInstalledPrograms + '\\' + product, view);
     Registration registration;
     KelInsReg::GetValue(key, "DisplayVersion", registration.version, view);
     KelInsReg::GetValue(key, "InstallLocation", registration.target, view);

@@ -138,7 +138,7 @@ void Check(const ServerData& data)
     constexpr std::int32_t kHighestPort = 65535;
     const std::string port = KelInsIniFile::ReadValueOfKey(data.directory + kSettings, "Listen", "Port");
     const std::int32_t number = KelInsString::ToInt(port, 0);
-    if (number < 1 || number > kHighestPort)
+    if (number < 1 || number > kHighestPort || port != std::to_string(number)) // "80 or so" begins with a number
         throw std::runtime_error("SERVERPORT is " + port + "; it must be a number from 1 to 65535.");
 }
 
