@@ -9,6 +9,7 @@
   demo_check.py server FILES FOLDER NAME PORT SITE    the files of the package, in FOLDER, which Windows calls NAME
   demo_check.py nsis FILES FOLDER NAME PORT SITE      the same for the NSIS installer
   demo_check.py registry EXPORT KEY NAME=VALUE...     the key in the export (UTF-8) has exactly these values
+  demo_check.py uuid TEXT                             is a random UUID in small letters
   demo_check.py packed GUID                           prints a GUID as Windows Installer's registry keys spell it
 """
 
@@ -16,6 +17,7 @@ import configparser
 import pathlib
 import re
 import sys
+import uuid
 import xml.etree.ElementTree as ElementTree
 
 VERSION = "1.0"
@@ -142,6 +144,10 @@ def read_xml(path):
     return root
 
 
+def facts_of(element):
+    return element.tag, element.attrib, len(element), element.text, element.tail
+
+
 def check_xml(before, after, target):
     expected = read_xml(before)
     service = expected.find("Service")
@@ -152,7 +158,7 @@ def check_xml(before, after, target):
     actual = read_xml(after)
     pairs = list(zip(expected.iter(), actual.iter(), strict=True))
     for one, other in pairs:
-        assert (one.tag, one.attrib, len(one), one.text, one.tail) == (other.tag, other.attrib, len(other), other.text, other.tail), \
+        assert facts_of(one) == facts_of(other), \
             f"expected {ElementTree.tostring(one)}, found {ElementTree.tostring(other)}"
 
 
@@ -165,8 +171,9 @@ def check_server(files, folder, name, port, site, key="Search", value=None):
     else:
         lines.append(f"{key}={value}".encode())
     expect_bytes(folder / "server.ini", b"".join(line + b"\r\n" for line in lines))
-    page = [line.replace(b"@SITENAME@", site.encode()).replace(b"@SERVERPORT@", port.encode()) for line in lines_of(files / "welcome.html")]
-    expect_bytes(folder / "welcome.html", b"\r\n".join(page))
+    page = b"\r\n".join(lines_of(files / "welcome.html"))
+    page = page.replace(b"@SITENAME@", site.encode()).replace(b"@SERVERPORT@", port.encode())
+    expect_bytes(folder / "welcome.html", page)
 
 
 def expect_bytes(path, expected):
@@ -205,6 +212,9 @@ def main():
     path = pathlib.Path
     if command == "packed":
         print(packed(arguments[0]))
+    elif command == "uuid":
+        parsed = uuid.UUID(arguments[0])
+        assert (parsed.version, parsed.variant, str(parsed)) == (4, uuid.RFC_4122, arguments[0]), arguments[0]
     elif command == "registry":
         check_registry(path(arguments[0]), *arguments[1:])
     elif command == "server":
@@ -215,7 +225,8 @@ def main():
         check_server(path(files), path(folder), name, port, site, key="Home", value=name)
     else:
         first, second, target = arguments
-        {"expect": expect, "ini": check_ini, "properties": check_properties, "xml": check_xml}[command](path(first), path(second), target)
+        checks = {"expect": expect, "ini": check_ini, "properties": check_properties, "xml": check_xml}
+        checks[command](path(first), path(second), target)
 
 
 if __name__ == "__main__":

@@ -130,11 +130,15 @@ has_no_key() { # VIEW KEY
 setup_log=$demo/setup.log # of the last setup
 output=$demo/output       # what it said: on both streams together, and on each
 
-setup() { # EXPECTED_EXIT_CODE ARGUMENT...: runs the sample; its output is printed and kept
-    local wanted=$1 code
+setup() { # EXPECTED_EXIT_CODE ARGUMENT...: runs the sample; its output is printed and kept. Absolute paths become those of Wine
+    local wanted=$1 argument arguments=() code
     shift
+    for argument in "$@"; do
+        case $argument in /*) argument=$(windows "$argument") ;; esac
+        arguments+=("$argument")
+    done
     rm -f "$setup_log"
-    { scripts/wine.sh build/mingw/bin/setup.exe "$@" --log "$(windows "$setup_log")" \
+    { scripts/wine.sh build/mingw/bin/setup.exe "${arguments[@]}" --log "$(windows "$setup_log")" \
         2> >(tee "$output.error") > >(tee "$output.out"); } | tee "$output"
     code=${PIPESTATUS[0]}
     [ "$code" -eq "$wanted" ] || fail "setup $* ended with $code, not with $wanted"
@@ -156,10 +160,20 @@ logs() { # TEXT...: each stands in the log of the last setup
 
 uninstall_key='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Orchard Server'
 
+products_key='HKLM\Software\Microsoft\Windows\CurrentVersion\Installer\UserData\S-1-5-18\Products'
+
 is_not_installed() { # nothing of the product is among the installed programs, nor in Windows Installer's database
     has_no_key 64 "$uninstall_key" && has_no_key 32 "$uninstall_key" && has_no_key 64 'HKLM\Software\Orchard Server' &&
-        registry 64 'HKLM\Software\Microsoft\Windows\CurrentVersion\Installer\UserData' "$demo/products.reg" &&
-        ! grep -q 'Orchard Server Core' "$demo/products.reg" || fail "the product is still registered"
+        registry 64 "$products_key" "$demo/products.reg" && ! grep -q 'Orchard Server Core' "$demo/products.reg" ||
+        fail "the product is still registered"
+}
+
+product_code() { # PAYLOAD: of its package, in braces
+    jq -r .package.productCode "$1/manifest.json"
+}
+
+packed_code() { # PAYLOAD: the same as Windows Installer's registry keys spell it
+    python3 scripts/demo_check.py packed "$(product_code "$1")"
 }
 
 # --- files -----------------------------------------------------------------------------------------------------------

@@ -20,4 +20,5 @@ msibuild "$package" -q "UPDATE CustomAction SET Type = $((0x1 + 0x400 + 0x100 + 
 msibuild "$package" -q "UPDATE CustomAction SET Type = $((0x1 + 0x400 + 0x200 + 0x800)) WHERE Action = 'ForgetBackup'"
 
 # what users may set, also where they confirm with an administrator's password
-msibuild "$package" -q "UPDATE Property SET Value = 'WIX_DOWNGRADE_DETECTED;WIX_UPGRADE_DETECTED;INSTALLDIR;SERVERPORT;SITENAME;SITESFILE' WHERE Property = 'SecureCustomProperties'"
+secure='WIX_DOWNGRADE_DETECTED;WIX_UPGRADE_DETECTED;INSTALLDIR;SERVERPORT;SITENAME;SITESFILE'
+msibuild "$package" -q "UPDATE Property SET Value = '$secure' WHERE Property = 'SecureCustomProperties'"
