@@ -300,14 +300,14 @@ TEST(InstallerLibraryIsolated, FailureToLoadIsTheStatusOfEachListingAndTriedAgai
 
 TEST(InstallerLibraryIsolated, FailureToLoadIsNeverTakenForAnAnswer)
 {
-    ImportHook<HMODULE(LPCWSTR, HANDLE, DWORD)> loading("LoadLibraryExW");
     for (const DWORD code : {DWORD{ERROR_INVALID_PARAMETER}, DWORD{ERROR_NO_MORE_ITEMS}, DWORD{ERROR_UNKNOWN_PRODUCT},
                              DWORD{ERROR_UNKNOWN_PROPERTY}, DWORD{ERROR_BAD_CONFIGURATION}}) {
+        ImportHook<HMODULE(LPCWSTR, HANDLE, DWORD)> loading("LoadLibraryExW");
         loading.FailFrom(1, nullptr, LastError(code));
         const Version failed("MsiEnumRelatedProducts failed",
                              std::string("Unknown error for Upgrade Code: ") + kUpgradeCode,
                              static_cast<std::int32_t>(code));
-        EXPECT_EQ(GetVersion(kUpgradeCode), Versions(99, failed)) << code;
+        EXPECT_TRUE(GetVersion(kUpgradeCode) == Versions(99, failed)) << code;
     }
 }
 
