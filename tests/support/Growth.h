@@ -6,8 +6,8 @@
 #include <limits>
 
 /// What GrowthFactor must stay below. Sanitized code works in other memory than its own, where more of it costs more.
-#if defined(__has_feature) && (__has_feature(address_sanitizer) || __has_feature(thread_sanitizer))
-constexpr double kGrowthLimit = 9;
+#ifdef __has_feature // clang, with which sanitized code is built
+constexpr double kGrowthLimit = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) ? 9 : 6;
 #else
 constexpr double kGrowthLimit = 6;
 #endif
