@@ -12,6 +12,11 @@ function(kelins_runtime_dlls variable)
     foreach(name IN ITEMS libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
         execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
             OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+        if(NOT IS_ABSOLUTE "${path}") # compilers that run on Windows have them beside themselves
+            get_filename_component(folder ${CMAKE_CXX_COMPILER} DIRECTORY)
+            find_file(path_of_${name} ${name} PATHS ${folder} NO_DEFAULT_PATH NO_CACHE)
+            set(path ${path_of_${name}})
+        endif()
         if(NOT IS_ABSOLUTE "${path}")
             message(FATAL_ERROR "The compiler does not tell where ${name} is")
         endif()
