@@ -92,6 +92,7 @@ if step "build natively, address and undefined-behaviour sanitizers" build nativ
     step "test natively, address and undefined-behaviour sanitizers" tests native-asan
     results+=(build/native-asan/results)
 fi
+step "instructions of fixed workloads beside the committed figures" scripts/check-speed.sh
 if step "build natively, thread sanitizer" build native-tsan portable_tests; then
     step "test natively, thread sanitizer" tests native-tsan -R "^portable_tests$|Isolated"
     results+=(build/native-tsan/results)

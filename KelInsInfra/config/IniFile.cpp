@@ -1,6 +1,7 @@
 #include <KelInsInfra/config/internal/IniLines.h>
 #include <KelInsInfra/io/KelInsIO.h>
 #include <KelInsInfra/io/internal/RewriteFile.h>
+#include <KelInsInfra/io/internal/TextLines.h>
 
 namespace KelInsIniFile {
 namespace {
@@ -31,8 +32,9 @@ std::string ReadValueOfKey(const std::string& fileName, const std::string& secti
     if (stream.fail())
         throw std::runtime_error("Failed to open " + fileName);
     KeySearch search(section, key);
-    for (std::string line; KelInsIO::GetLine(stream, line);)
-        if (const auto value = search.Examine(line))
+    KelInsIO::LineReader lines(stream);
+    while (const auto line = lines.Next())
+        if (const auto value = search.Examine(*line))
             return std::string(*value);
     throw KeyNotFoundException("The key " + key + " was not found in section " + section + " in file " + fileName);
 }
