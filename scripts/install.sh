@@ -9,6 +9,7 @@ packages=(
     wine wine64                                  # where it runs here
     wixl msitools                                # packages for the tests of the installer database
     flex bison libfl-dev                         # the JSON scanner and parser
+    nsis pkg-config doxygen                      # the packages of the SDK, their test, the reference
     g++ clang libclang-rt-14-dev                 # the portable part natively, with sanitizers
     googletest                                   # sources, built with each compiler
     clang-format clang-tidy python3 git          # checks
