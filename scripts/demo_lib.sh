@@ -137,7 +137,7 @@ setup() { # EXPECTED_EXIT_CODE ARGUMENT...: runs the sample; its output is print
         case $argument in /*) argument=$(windows "$argument") ;; esac
         arguments+=("$argument")
     done
-    rm -f "$setup_log"
+    rm -f "$setup_log" "$setup_log.msi.txt"
     { scripts/wine.sh build/mingw/bin/setup.exe "${arguments[@]}" --log "$(windows "$setup_log")" \
         2> >(tee "$output.error") > >(tee "$output.out"); } | tee "$output"
     code=${PIPESTATUS[0]}

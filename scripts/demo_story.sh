@@ -252,6 +252,7 @@ failing_action_is_rolled_back() { # no such port: the package's last action refu
     local options=(--set SERVERPORT=99999 --set "SITESFILE=$(windows "$sites")")
     use_prefix failing && make_users_file && cp -p "$sites" "$demo/sites.before" &&
         setup 1 install "$small" "$demo/rolled back" "${options[@]}" && says "failed with 1603" "Nothing was installed" &&
+        grep -aq 'Orchard Server: SERVERPORT is 99999; it must be a number' "$setup_log.msi.txt" &&
         [ ! -e "$demo/rolled back" ] && is_not_installed && cmp "$demo/sites.before" "$sites" &&
         [ "$(stat -c %A "$sites")" = -r--r--r-- ] && [ ! -e "$sites.before-orchard" ] || return 1
     # without that last action the file is edited: so there was something to take back
