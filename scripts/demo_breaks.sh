@@ -41,8 +41,8 @@ describe() { # STEP: what is broken for it: a source, a sed command that changes
             change='s/result.count += KelInsString::ReplaceAll(line, from, to);/if (const auto at = line.find(from); at != std::string::npos) line.replace(at, from.size(), to);/' ;;
         14) source=registry/RegistryKeys.cpp what='one view stands for both'
             change='s/return KEY_WOW64_32KEY;/return KEY_WOW64_64KEY;/' ;;
-        15) source=json/Escapes.cpp what='escaped backslashes stay'
-            change="s/= EscapedByte(letter);/= letter == '\\\\' ? '\\\\0' : EscapedByte(letter);/" ;;
+        15) source=json/Escapes.cpp what='escaped backslashes stay' # the only case of two characters
+            change="/^    case '..':\$/d" ;;
         16) source=io/FileCopy.cpp what='a copy leaves the end of a longer file'
             change='s/_O_WRONLY | _O_CREAT | _O_TRUNC/_O_WRONLY | _O_CREAT/' ;;
         17) source=config/IniFile.cpp what='an empty key is accepted'
