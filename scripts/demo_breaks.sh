@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Shows that each step of the demo can fail: breaks the library at one place, in a copy of the last commit, runs the step
-# of the demo that relies on it, and sees that step fail. Takes about a quarter of an hour.
+# of the demo that relies on it, and sees that step fail. Takes about half an hour.
 #
 #   scripts/demo_breaks.sh          all steps
 #   scripts/demo_breaks.sh 4 11     these
@@ -43,8 +43,8 @@ describe() { # STEP: what is broken for it: a source, a sed command that changes
             change='s/return KEY_WOW64_32KEY;/return KEY_WOW64_64KEY;/' ;;
         15) source=json/Escapes.cpp what='escaped backslashes stay' # the only case of two characters
             change="/^    case '..':\$/d" ;;
-        16) source=io/FileCopy.cpp what='a copy leaves the end of a longer file'
-            change='s/_O_WRONLY | _O_CREAT | _O_TRUNC/_O_WRONLY | _O_CREAT/' ;;
+        16) source=io/FileChanges.cpp what='SetReadOnly tells the opposite of what it did'
+            change='s/return isReadOnly != readOnly && ::Set/return isReadOnly != readOnly \&\& !::Set/' ;;
         17) source=config/IniFile.cpp what='an empty key is accepted'
             change='s/if (key.empty())/if (key == "?")/' ;;
         18) source=io/FindFile.cpp what='no directory counts as empty'
