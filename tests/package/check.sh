@@ -56,6 +56,25 @@ mv "$work/first" "$work/installed"
 ! grep -rlE "$build|$root" "$work/installed" || fail "the files above name folders of this machine"
 check_consumer installed "$work/installed"
 version=$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")/\1/p' "$work/installed"/lib/cmake/KelInsInfra/KelInsInfraConfigVersion.cmake)
+fits() { # VERSION: whether find_package(KelInsInfra VERSION) takes the package
+    cat >"$work/version.cmake" <<CMAKE
+set(PACKAGE_FIND_VERSION $1)
+string(REGEX MATCH "^[0-9]+" PACKAGE_FIND_VERSION_MAJOR $1)
+set(CMAKE_SIZEOF_VOID_P 8)
+include("$work/installed/lib/cmake/KelInsInfra/KelInsInfraConfigVersion.cmake")
+if(NOT PACKAGE_VERSION_COMPATIBLE)
+    message(FATAL_ERROR "no")
+endif()
+CMAKE
+    cmake -P "$work/version.cmake" >"$work/log" 2>&1
+}
+major=${version%%.*}
+fits "$major" && fits "$version" || fail "the package does not take its own version"
+! fits $((major + 1)) && ! fits "$major.999" || fail "the package takes another version"
+! cmake -S "$here" -B "$work/native-build" -G Ninja -DCMAKE_PREFIX_PATH="$work/installed" >"$work/log" 2>&1 ||
+    fail "the package is taken by a compiler of this machine"
+grep -q 'for MinGW-w64' "$work/log" || { cat "$work/log"; fail "the refusal does not say why"; }
+
 for dll in "$work"/installed/bin/*.dll; do
     ! x86_64-w64-mingw32-objdump -h "$dll" | grep -q '\.debug_' || fail "$dll has debug symbols"
 done
