@@ -78,6 +78,7 @@ grep -q 'for MinGW-w64' "$work/log" || { cat "$work/log"; fail "the refusal does
 for dll in "$work"/installed/bin/*.dll; do
     ! x86_64-w64-mingw32-objdump -h "$dll" | grep -q '\.debug_' || fail "$dll has debug symbols"
 done
+x86_64-w64-mingw32-objdump -p "$work/installed/bin/KelInsInfra.dll" | grep -q '^Time/Date.* 1970$' || fail "the DLL has the time in it"
 x86_64-w64-mingw32-objdump -s --section=.gnu_debuglink "$work/installed/bin/KelInsInfra.dll" | grep -q KelInsInf || fail "no link to the symbols"
 code=$(x86_64-w64-mingw32-objdump -t "$work/installed/bin/KelInsInfra.dll.debug" | grep -c 'KelInsIO.*Path') || true
 [ "$code" -gt 10 ] || fail "the debug symbols do not name our functions"
