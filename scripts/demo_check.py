@@ -5,12 +5,20 @@
                                                       configured files must have once installed as TARGET_NAME (Windows)
   demo_check.py ini BEFORE AFTER TARGET_NAME          reads two INI files with Python's own reader and compares them
   demo_check.py properties BEFORE AFTER TARGET_NAME   the same for properties files, with a small reader of their format
+  demo_check.py xml BEFORE AFTER TARGET_NAME          the same for server.xml, with Python's own reader
+  demo_check.py server FILES FOLDER NAME PORT SITE    the files of the package, in FOLDER, which Windows calls NAME
+  demo_check.py nsis FILES FOLDER NAME PORT SITE      the same for the NSIS installer
+  demo_check.py registry EXPORT KEY NAME=VALUE...     the key in the export (UTF-8) has exactly these values
+  demo_check.py uuid TEXT                             is a random UUID in small letters
+  demo_check.py packed GUID                           prints a GUID as Windows Installer's registry keys spell it
 """
 
 import configparser
 import pathlib
 import re
 import sys
+import uuid
+import xml.etree.ElementTree as ElementTree
 
 VERSION = "1.0"
 NOTE = "Written by setup: do not edit!"
@@ -126,10 +134,99 @@ def difference(expected, actual):
     return "\n".join(f"{key}: expected {expected.get(key)!r}, found {actual.get(key)!r}" for key in keys)
 
 
+def read_xml(path):
+    """The tree with its comments, and without the white space between its elements."""
+    parser = ElementTree.XMLParser(target=ElementTree.TreeBuilder(insert_comments=True))
+    root = ElementTree.parse(path, parser).getroot()
+    for element in root.iter():
+        element.text = element.text if element.text and element.text.strip() else None
+        element.tail = element.tail if element.tail and element.tail.strip() else None
+    return root
+
+
+def facts_of(element):
+    return element.tag, element.attrib, len(element), element.text, element.tail
+
+
+def check_xml(before, after, target):
+    expected = read_xml(before)
+    service = expected.find("Service")
+    service.find("Connector").set("home", target)
+    for sample in service.findall("Sample"):
+        service.remove(sample)
+    ElementTree.SubElement(service, "Documents", path=target + "\\docs")
+    actual = read_xml(after)
+    pairs = list(zip(expected.iter(), actual.iter(), strict=True))
+    for one, other in pairs:
+        assert facts_of(one) == facts_of(other), \
+            f"expected {ElementTree.tostring(one)}, found {ElementTree.tostring(other)}"
+
+
+def check_server(files, folder, name, port, site, key="Search", value=None):
+    """Every line end is CR LF afterwards; templates end without one."""
+    lines = lines_of(files / "server.ini")
+    lines = replace_line(lines, "Port=0", f"Port={port}")
+    if key == "Search":
+        lines = replace_line(lines, "Search=C:\\Orchard\\plugins", f"Search=C:\\Orchard\\plugins;{name}\\plugins")
+    else:
+        lines.append(f"{key}={value}".encode())
+    expect_bytes(folder / "server.ini", b"".join(line + b"\r\n" for line in lines))
+    page = b"\r\n".join(lines_of(files / "welcome.html"))
+    page = page.replace(b"@SITENAME@", site.encode()).replace(b"@SERVERPORT@", port.encode())
+    expect_bytes(folder / "welcome.html", page)
+
+
+def expect_bytes(path, expected):
+    actual = path.read_bytes()
+    assert actual == expected, f"{path}: expected {expected!r}, found {actual!r}"
+
+
+def registry_value(text):
+    """A text without its quotes, a number as it stands; other types by their bytes."""
+    if text.startswith('"'):
+        return re.sub(r"\\(.)", r"\1", text[1:-1])
+    if text.startswith("hex(1):"):  # a text with more than one NUL at its end
+        return bytes.fromhex(text[7:].replace(",", "")).decode("utf-16-le").rstrip("\0")
+    return text
+
+
+def check_registry(export, key, *expected):
+    text = export.read_text(encoding="utf-8").replace("\\\n  ", "")  # long values are continued
+    section = key.replace("HKLM", "HKEY_LOCAL_MACHINE")
+    found = re.search(r"^\[(?:%s)\]\n(.*?)(?:\n\n|\Z)" % re.escape(section), text, re.MULTILINE | re.DOTALL | re.IGNORECASE)
+    assert found, f"{section} is not in the export"
+    entries = re.findall(r'^"((?:\\.|[^"\\])*)"=(.*)$', found[1], re.MULTILINE)
+    actual = {registry_value(f'"{name}"'): registry_value(value) for name, value in entries}
+    expected = dict(each.split("=", 1) for each in expected)
+    assert actual == expected, difference(expected, actual)
+
+
+def packed(guid):
+    first, second, third, *rest = guid.strip("{}").split("-")
+    digits = "".join(rest)
+    return first[::-1] + second[::-1] + third[::-1] + "".join(digits[i + 1] + digits[i] for i in range(0, len(digits), 2))
+
+
 def main():
-    command, first, second, target = sys.argv[1:]
-    first, second = pathlib.Path(first), pathlib.Path(second)
-    {"expect": expect, "ini": check_ini, "properties": check_properties}[command](first, second, target)
+    command, *arguments = sys.argv[1:]
+    path = pathlib.Path
+    if command == "packed":
+        print(packed(arguments[0]))
+    elif command == "uuid":
+        parsed = uuid.UUID(arguments[0])
+        assert (parsed.version, parsed.variant, str(parsed)) == (4, uuid.RFC_4122, arguments[0]), arguments[0]
+    elif command == "registry":
+        check_registry(path(arguments[0]), *arguments[1:])
+    elif command == "server":
+        files, folder, *rest = arguments
+        check_server(path(files), path(folder), *rest)
+    elif command == "nsis":
+        files, folder, name, port, site = arguments
+        check_server(path(files), path(folder), name, port, site, key="Home", value=name)
+    else:
+        first, second, target = arguments
+        checks = {"expect": expect, "ini": check_ini, "properties": check_properties, "xml": check_xml}
+        checks[command](path(first), path(second), target)
 
 
 if __name__ == "__main__":

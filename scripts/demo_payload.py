@@ -1,15 +1,21 @@
 #!/usr/bin/env python3
-"""demo_payload.py FOLDER: gathers the payload of the demo from files of installed packages, several thousand of them, and
-adds what installers stumble over: names in many scripts, a path of more than 260 characters, read-only files, an empty
-file, an empty folder. The files that the sample installer configures are made of real ones of their kind, with the few
-entries of our imaginary product put between their lines."""
+"""demo_payload.py gather FOLDER: gathers the payload of the demo from files of installed packages, several thousand of
+them, and adds what installers stumble over: names in many scripts, a path of more than 260 characters, read-only files,
+an empty file, an empty folder. The files that the sample installer configures are made of real ones of their kind, with
+the few entries of our imaginary product put between their lines.
+
+demo_payload.py manifest FOLDER: writes the payload's manifest.json, with the digests of all files in it."""
 
 import glob
+import hashlib
+import json
 import os
 import pathlib
 import re
 import shutil
+import subprocess
 import sys
+import xml.etree.ElementTree
 
 LEAST_FILES = 3000
 MOST_BYTES_PER_FILE = 2_000_000
@@ -23,6 +29,7 @@ SOURCES = [
     ("/usr/src/googletest", "googletest", 300),
 ]
 MOST_FILES = 4000
+CONFIGURED = ["settings.ini", "start.env", "app.properties", "server.xml"]  # what is wrong with them shows first
 
 # what Windows does not take as a name
 FORBIDDEN = re.compile(r'[<>:"|?*\\\x00-\x1f]|[. ]$|^(con|prn|aux|nul|com\d|lpt\d)(\.|$)', re.IGNORECASE)
@@ -151,13 +158,52 @@ def add_configured_files(target):
     (target / "templates" / os.path.basename(templates[0])).chmod(0o444)
 
 
+def add_server_xml(target):
+    """A server's configuration, with all that the machine's font configuration holds in the middle of it."""
+    fonts = []
+    for path in first_files("/usr/share/fontconfig/conf.avail/*.conf", most=100):
+        root = xml.etree.ElementTree.parse(path).getroot()
+        if all("{" not in element.tag and not any("{" in name for name in element.attrib) for element in root.iter()):
+            fonts += [xml.etree.ElementTree.tostring(child, "unicode").strip() for child in root]
+    write_lines(target / "server.xml", [
+        "<?xml version='1.0' encoding='UTF-8'?>", "<!-- Server of the demo: \"Gr\u00f6\u00dfe & Ma\u00df\" -->",
+        "<Server shutdown='SHUT&amp;DOWN' port='8005'>", "  <!-- filled in by setup -->",
+        "  <Service name='orchard'>", "    <Connector protocol='HTTP/1.1' port='8080' home='nowhere'/>",
+        "    <Sample>delete me</Sample>", "    <Note>5 &lt; 6 &#x20AC;</Note>", "  </Service>",
+        "  <Fonts>", *fonts, "  </Fonts>", "</Server>"])
+
+
+def write_manifest(payload):
+    """Names, versions and codes are those of the package, as msiinfo reads them."""
+    package = "server/orchard.msi"
+    table = subprocess.run(["msiinfo", "export", payload / package, "Property"], check=True, capture_output=True, text=True)
+    properties = dict(line.split("\t") for line in table.stdout.splitlines())
+    names = sorted(str(path.relative_to(payload)) for path in payload.rglob("*") if path.is_file())
+    names = [name for name in names if name != "manifest.json"]
+    names.sort(key=lambda name: name not in CONFIGURED)
+    manifest = {
+        "product": "Orchard Server",
+        "publisher": properties["Manufacturer"],
+        "version": properties["ProductVersion"],
+        "upgradeCode": properties["UpgradeCode"],
+        "package": {"file": package, "productCode": properties["ProductCode"], "options": ["SERVERPORT", "SITENAME", "SITESFILE"]},
+        "files": {name: hashlib.sha256((payload / name).read_bytes()).hexdigest() for name in names},
+    }
+    (payload / "manifest.json").write_text(json.dumps(manifest, indent=4, ensure_ascii=False), encoding="utf-8")
+
+
 def main():
-    target = pathlib.Path(sys.argv[1])
+    command, target = sys.argv[1], pathlib.Path(sys.argv[2])
+    if command == "manifest":
+        write_manifest(target)
+        return
     gather(target)
     add_stumbling_blocks(target)
     add_configured_files(target)
-    for path in [target / "settings.ini", target / "start.env", target / "app.properties"]:
-        os.utime(path, (1_700_000_000, 1_700_000_000))
+    add_server_xml(target)
+    for name in CONFIGURED:
+        os.utime(target / name, (1_700_000_000, 1_700_000_000))
+    (target / "settings.ini").chmod(0o444)
 
 
 if __name__ == "__main__":

@@ -7,7 +7,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 packages=(
     g++-mingw-w64-x86-64-posix cmake ninja-build # the product
     wine wine64                                  # where it runs here
-    wixl msitools                                # packages for the tests of the installer database
+    wixl msitools nsis                           # installation packages for tests and demo
+    jq libxml2-utils                             # independent readers of JSON and XML
     flex bison libfl-dev                         # the JSON scanner and parser
     nsis pkg-config doxygen                      # the packages of the SDK, their test, the reference
     g++ clang libclang-rt-14-dev                 # the portable part natively, with sanitizers

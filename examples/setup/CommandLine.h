@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Package.h"
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -11,13 +12,17 @@ struct CommandLine
     enum class Action
     {
         Help,
+        Check,
         Install,
+        Upgrade,
         Uninstall,
     };
 
-    Action action;
-    std::string payload; // absolute; empty but for Install
+    Action action = Action::Help;
+    std::string payload; // absolute; empty for Help and Uninstall
     std::string target;  // absolute; empty for Help
+    std::string log;     // absolute; empty where none was named
+    Properties options;  // of the package
 };
 
 /// The command line cannot be understood.

@@ -2,6 +2,7 @@
 
 #include "ErrorText.h"
 #include "Properties.h"
+#include "ServerXml.h"
 #include <KelInsInfra/config/KelInsIniFile.h>
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/io/KelInsIO.h>
@@ -17,6 +18,7 @@ const std::string kVersion = "1.0";
 const std::string kSettings = "settings.ini";
 const std::string kEnvironment = "start.env";
 const std::string kProperties = "app.properties";
+const std::string kServer = "server.xml";
 const std::string kTemplates = "templates\\";
 
 void ConfigureSettings(const std::string& file, const std::string& target)
@@ -64,12 +66,13 @@ void ConfigureTemplate(const std::string& file, const std::string& target)
 
 bool IsConfigured(const std::string& path)
 {
-    return path == kSettings || path == kEnvironment || path == kProperties || path.starts_with(kTemplates);
+    return path == kSettings || path == kEnvironment || path == kProperties || path == kServer ||
+           path.starts_with(kTemplates);
 }
 
 const std::vector<std::string>& RequiredFiles()
 {
-    static const std::vector<std::string> files = {kSettings, kEnvironment, kProperties};
+    static const std::vector<std::string> files = {kSettings, kEnvironment, kProperties, kServer};
     return files;
 }
 
@@ -83,6 +86,8 @@ void Configure(const std::string& target, const std::string& path)
             ConfigureEnvironment(file, target);
         else if (path == kProperties)
             ConfigureProperties(file, target);
+        else if (path == kServer)
+            ConfigureServerXml(file, target);
         else
             ConfigureTemplate(file, target);
     } catch (const std::exception& error) {

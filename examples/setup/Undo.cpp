@@ -3,28 +3,39 @@
 #include "ErrorText.h"
 #include <KelInsInfra/io/FindFile.h>
 #include <KelInsInfra/io/KelInsIO.h>
+#include <stdexcept>
 
 namespace Setup {
+namespace {
+
+void Remove(const std::string& path)
+{
+    if (!KelInsIO::Exists(path))
+        return;
+    if (KelInsIO::IsDirectory(path) && !KelInsIO::FindFile::IsDirectoryEmpty(path))
+        throw std::runtime_error(path + " is not empty");
+    KelInsIO::SetReadOnly(path, false);
+    KelInsIO::Delete(path);
+}
+
+} // namespace
+
+void Undo::WillDo(std::function<void()> takeBack)
+{
+    actions_.push_back(std::move(takeBack));
+}
 
 void Undo::WillMake(const std::string& path)
 {
-    paths_.push_back(path);
+    WillDo([path] { Remove(path); });
 }
 
 std::vector<std::string> Undo::TakeBack()
 {
     std::vector<std::string> left;
-    for (; !paths_.empty(); paths_.pop_back()) {
-        const std::string& path = paths_.back();
-        if (!KelInsIO::Exists(path))
-            continue;
+    for (; !actions_.empty(); actions_.pop_back()) {
         try {
-            if (KelInsIO::IsDirectory(path) && !KelInsIO::FindFile::IsDirectoryEmpty(path)) {
-                left.push_back(path + " is not empty");
-                continue;
-            }
-            KelInsIO::SetReadOnly(path, false);
-            KelInsIO::Delete(path);
+            actions_.back()();
         } catch (const std::exception& error) {
             left.push_back(TextOf(error));
         }

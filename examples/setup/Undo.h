@@ -1,23 +1,29 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace Setup {
 
-/// What an installation has made so far, so that a failure can be taken back.
+/// How to take back what an installation has done so far, should it fail.
 class Undo
 {
 public:
-    /// To be called before a file or directory that does not exist yet is made.
+    /// To be called before something is done that the action takes back. It must not mind that there is nothing to be
+    /// taken back; what it throws is reported.
+    void WillDo(std::function<void()> takeBack);
+
+    /// To be called before a file or directory that does not exist yet is made. Directories that other files have come
+    /// into stay.
     void WillMake(const std::string& path);
 
-    /// Removes all of it, last thing first. Directories that other files have come into stay.
-    /// @return what could not be removed, one text for each with the reason.
+    /// Takes all of it back, last thing first.
+    /// @return what could not be taken back, one text for each with the reason.
     std::vector<std::string> TakeBack();
 
 private:
-    std::vector<std::string> paths_;
+    std::vector<std::function<void()>> actions_;
 };
 
 } // namespace Setup

@@ -3,9 +3,14 @@
 #include "Console.h"
 #include "ErrorText.h"
 #include "InstallList.h"
+#include "Package.h"
+#include "Places.h"
+#include "Receipt.h"
+#include "Registration.h"
+#include "SystemFacts.h"
 #include <KelInsInfra/io/FindFile.h>
 #include <KelInsInfra/io/KelInsIO.h>
-#include <iostream>
+#include <optional>
 #include <stdexcept>
 #include <vector>
 
@@ -62,7 +67,7 @@ private:
             if (entry.isDirectory) {
                 CleanDirectory(path);
                 RemoveDirectoryIfEmpty(path);
-            } else if (path != InstallList::kFileName) {
+            } else if (path != InstallList::kFileName && path != Receipt::kFileName) {
                 RemoveFileIfInstalled(path);
             }
         }
@@ -131,16 +136,44 @@ InstallList ReadList(const std::string& file, const std::string& target)
     }
 }
 
-void PrintKept(const std::vector<std::string>& kept)
+/// The registration of the product that stands in the target. Only the receipt is asked for the product's name:
+/// whatever else was written into it leads nowhere.
+std::optional<Registration> RegistrationOf(const std::string& target, const std::string& product)
+{
+    std::optional<Registration> registration = FindRegistration(product);
+    if (registration && !IsSame(registration->target, target))
+        registration.reset(); // the product is installed elsewhere
+    return registration;
+}
+
+/// Empty where there is no receipt: what only it leads to stays then.
+std::string ReadProduct(const std::string& target, Log& log)
+{
+    std::optional<Receipt> receipt;
+    try {
+        receipt = ReadReceipt(target);
+    } catch (const std::exception& error) {
+        throw std::runtime_error(TextOf(error) + "\nNothing was removed. Restore the file; or delete it, and uninstall "
+                                                 "again: only the server and the entry among the installed programs "
+                                                 "stay then.");
+    }
+    if (!receipt)
+        log.Tell("There is no " + Receipt::kFileName + ": an installed server, and an entry among the installed " +
+                 "programs, stay.");
+    return receipt ? receipt->product : "";
+}
+
+void TellKept(const std::vector<std::string>& kept, Log& log)
 {
     constexpr std::size_t kMost = 20;
     if (kept.empty())
         return;
-    std::cout << "Your own files stay:\n";
+    std::string text = "Your own files stay:";
     for (std::size_t i = 0; i < kept.size() && i < kMost; ++i)
-        std::cout << "  " << kept[i] << '\n';
+        text += "\n  " + kept[i];
     if (kept.size() > kMost)
-        std::cout << "  and " << kept.size() - kMost << " more\n";
+        text += "\n  and " + std::to_string(kept.size() - kMost) + " more";
+    log.Tell(text);
 }
 
 [[noreturn]] void Fail(const std::vector<std::string>& failed)
@@ -153,18 +186,28 @@ void PrintKept(const std::vector<std::string>& kept)
 
 } // namespace
 
-void Uninstall(const std::string& target)
+void Uninstall(const std::string& target, Log& log)
 {
+    ExpectAdministrator();
     const std::string listFile = target + Path::Sep + InstallList::kFileName;
     const InstallList list = ReadList(listFile, target);
+    const std::string product = ReadProduct(target, log);
+    const std::optional<Registration> registration = RegistrationOf(target, product);
 
-    std::cout << "Uninstalling " << list.GetFileCount() << " files from " << target << std::endl;
+    log.Tell("Uninstalling " + std::to_string(list.GetFileCount()) + " files from " + target);
+    if (registration)
+        RemovePackage(registration->productCode, log);
     const Result result = Remover(target, list).Run();
-    std::cout << "Removed " << result.removed << " files." << std::endl;
-    PrintKept(result.kept);
+    log.Tell("Removed " + std::to_string(result.removed) + " files.");
+    TellKept(result.kept, log);
     if (!result.failed.empty())
-        Fail(result.failed); // the list stays, so that it can be tried again
+        Fail(result.failed); // list, receipt and registration stay, so that it can be tried again
 
+    if (registration)
+        Unregister(product);
+    const std::string receiptFile = target + Path::Sep + Receipt::kFileName;
+    if (KelInsIO::Exists(receiptFile))
+        KelInsIO::Delete(receiptFile);
     KelInsIO::Delete(listFile);
     if (list.HasDirectory(".") && FindFile::IsDirectoryEmpty(target))
         KelInsIO::Delete(target);

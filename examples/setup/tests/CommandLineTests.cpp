@@ -25,6 +25,22 @@ TEST(CommandLineTest, Uninstall)
     EXPECT_EQ(commandLine.target, R"(D:\x)");
 }
 
+TEST(CommandLineTest, CheckAndUpgradeTakeWhatInstallTakes)
+{
+    EXPECT_EQ(ParseCommandLine({"check", R"(C:\p)", R"(D:\t)"}).action, CommandLine::Action::Check);
+    EXPECT_EQ(ParseCommandLine({"upgrade", R"(C:\p)", R"(D:\t)"}).action, CommandLine::Action::Upgrade);
+}
+
+TEST(CommandLineTest, OptionsStandAnywhere)
+{
+    const CommandLine commandLine = ParseCommandLine(
+        {"--log", R"(D:\log.txt)", "install", "--set", "B=x = y", R"(C:\p)", "--set", "A_1=", R"(D:\t)"});
+    EXPECT_EQ(commandLine.log, R"(D:\log.txt)");
+    EXPECT_EQ(commandLine.payload, R"(C:\p)");
+    EXPECT_EQ(commandLine.target, R"(D:\t)");
+    EXPECT_THAT(commandLine.options, testing::ElementsAre(testing::Pair("B", "x = y"), testing::Pair("A_1", "")));
+}
+
 TEST(CommandLineTest, Shares)
 {
     for (const char* form : {R"(\\server\share\x)", R"(\\server\share\x\)", "//server/share/x/"})
@@ -67,6 +83,14 @@ TEST(CommandLineTest, WhatIsNotUnderstood)
         {"uninstall", R"(\)"},
         {"uninstall"},
         {"uninstall", "a", "b"},
+        {"check", "a"},
+        {"--log"},
+        {"uninstall", "a", "--log"},
+        {"uninstall", "a", "--set"},
+        {"uninstall", "a", "--set", "A"},
+        {"uninstall", "a", "--set", "=1"},
+        {"uninstall", "a", "--set", "a=1"},
+        {"uninstall", "a", "--set", "A B=1"},
     };
     for (const auto& arguments : wrong)
         EXPECT_THROW(ParseCommandLine(arguments), UsageError) << testing::PrintToString(arguments);

@@ -81,6 +81,34 @@ TEST_F(Configuration, Templates)
               "cd " + slashed + "/" + slashed + "\r\nrem 1.0 @OTHER@");
 }
 
+TEST_F(Configuration, ServerXml)
+{
+    EXPECT_EQ(Configured("server.xml", "<Server b='2' a='1'><!--x--><Service><Sample/><Connector port='1' home='?'/>"
+                                       "<Note>5 &lt; 6</Note><Sample>y</Sample></Service></Server>"),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Server a=\"1\" b=\"2\">\n  <!--x-->\n  <Service>\n"
+              "    <Connector home=\"" +
+                  target + "\" port=\"1\"/>\n    <Note>5 &lt; 6</Note>\n    <Documents path=\"" + target +
+                  "\\docs\"/>\n  </Service>\n</Server>\n");
+}
+
+TEST_F(Configuration, BrokenServerXmlStaysAsItIs)
+{
+    const std::pair<const char*, std::string> cases[] = {
+        {"<Server>\n<Service>\n</Server>", "Unexpected closing tag: Server instead of Service (line 3)"},
+        {"no element", "The file " + (directory / "server.xml") + " holds no element."},
+        {"<Server/>", "There is no element Service in the element Server."},
+        {"<Server><Service/></Server>", "There is no element Connector in the element Service."},
+    };
+    for (const auto& [text, reason] : cases) {
+        Write("server.xml", text);
+        EXPECT_THAT(
+            [&] { Setup::Configure(directory.Path(), "server.xml"); },
+            ThrowsMessage<std::runtime_error>(
+                reason + "\nThe file server.xml could not be adapted to its place. Correct it in the payload."));
+        EXPECT_EQ(Read("server.xml"), text);
+    }
+}
+
 TEST_F(Configuration, WhichFiles)
 {
     for (const std::string& required : Setup::RequiredFiles())
