@@ -512,6 +512,18 @@ TEST_P(RewriteProtocol, MakesItsCallsInTheirOrder)
     EXPECT_EQ(order, expected);
 }
 
+/// One that cannot be asked about is not taken for a missing one, and overwritten.
+TEST(WriteOfAnExistingFile, KeepsItsLinesThoughItSeemsMissing)
+{
+    const Scene scene(kIniWrite);
+    for (const int error : {EACCES, ENOENT}) {
+        ImportHook<errno_t(const wchar_t*, int)> access("_waccess_s");
+        access.FailFrom(1, error, Errno(error));
+        EXPECT_EQ(scene.Rewrite(), "");
+        EXPECT_EQ(scene.StateOf(scene.File()), "new");
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Both, RewriteProtocol, testing::Values(kReplaceInLines, kIniWrite),
                          [](const auto& test) { return std::string(test.param.label); });
 
