@@ -3,13 +3,11 @@
 // documentation promises for the case, or throws with a text of its own; it leaves files whole, loses no handle and no
 // block of memory, and works the next time.
 
+#include "KillSweep.h"
+#include "Scene.h"
 #include "Session.h"
-#include "Traces.h"
 
-#include "tests/support/Files.h"
 #include "tests/support/HandleCount.h"
-#include "tests/support/RegistryRoot.h"
-#include "tests/support/TempDirectory.h"
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/foundation/KelInsSys.h>
 #include <algorithm>
@@ -25,6 +23,7 @@ using Sweeps::Leaves;
 using Sweeps::Operation;
 using Sweeps::Outcome;
 using Sweeps::Place;
+using Sweeps::Scene;
 using Sweeps::Session;
 using Sweeps::Traces;
 
@@ -85,29 +84,6 @@ std::vector<std::string> OperationNames()
 
 // --- running
 
-/// A directory and a key that are empty before each run.
-class Scene
-{
-public:
-    Scene() : place_{directory_ / "\xC3\xA9", key_.Path()} { Empty(); }
-
-    [[nodiscard]] const Place& Get() const { return place_; }
-
-    void Empty() const
-    {
-        RemoveTree(place_.directory);
-        MakeDirectories(place_.directory);
-        ::RegDeleteTreeW(key_.Handle(), nullptr);
-    }
-
-    [[nodiscard]] Traces Look() const { return Sweeps::TracesOf(place_.directory, place_.key); }
-
-private:
-    TempDirectory directory_;
-    RegistryRoot key_;
-    Place place_;
-};
-
 /// What an operation did when nothing failed.
 struct Reference
 {
@@ -130,13 +106,6 @@ struct Faulty
     std::ptrdiff_t blocks = 0;
     std::ptrdiff_t handles = 0;
 };
-
-void Prepare(const Scene& scene, const Operation& operation)
-{
-    scene.Empty();
-    if (operation.prepare)
-        operation.prepare(scene.Get());
-}
 
 std::ptrdiff_t Difference(std::size_t after, std::size_t before)
 {
@@ -212,7 +181,8 @@ bool IsSystemText(const std::string& text, const std::string& function, const Fa
         texts.insert(KelInsSys::GetLastErrorMessage(*fault.code.lastError));
     if (fault.code.errnoValue)
         texts.insert(KelInsSys::GetErrnoMessage(*fault.code.errnoValue));
-    texts.insert(KelInsSys::GetLastErrorMessage(static_cast<std::uint32_t>(fault.result))); // of those that return it
+    if (!fault.code.lastError && !fault.code.errnoValue) // returns its code
+        texts.insert(KelInsSys::GetLastErrorMessage(static_cast<std::uint32_t>(fault.result)));
     for (const int value :
          {ENOENT, EACCES, EINVAL, EIO, EBADF, ENOMEM, ENOSPC, EEXIST}) // what the C runtime makes of it
         texts.insert(KelInsSys::GetErrnoMessage(value));
@@ -445,6 +415,8 @@ void WarmUp()
 
 int main(int argc, char** argv)
 {
+    if (Sweeps::IsKillSweepChild())
+        return Sweeps::RunKillSweepChild();
     testing::InitGoogleTest(&argc, argv);
     testing::AddGlobalTestEnvironment(new Table);
     WarmUp();
