@@ -90,6 +90,7 @@ std::vector<std::string> Split(const std::string& text, char delimiter, bool kee
 std::string ToFixedPrecision(double value, std::int32_t decimals)
 {
     std::ostringstream stream;
+    stream.exceptions(std::ios_base::badbit); // or it would keep std::bad_alloc to itself, and a part of the text
     stream.setf(std::ios_base::fixed, std::ios_base::floatfield);
     stream.precision(decimals);
     stream << value;
