@@ -172,7 +172,8 @@ void AddChanges(std::vector<Operation>& operations)
                           .exports = {"KelInsIO::RemoveEmptyDirectories"},
                           .prepare = [](const Place& p) { MakeDirectories(Tree(p) + "\\sub\\empty"); },
                           .run = [](const Place& p) { return InWords(KelInsIO::RemoveEmptyDirectories(Tree(p))); },
-                          .documented = IsFalse});
+                          .documented = IsFalse,
+                          .withoutMemory = IsFalse});
 }
 
 void AddCopies(std::vector<Operation>& operations)

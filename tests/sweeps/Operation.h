@@ -45,6 +45,9 @@ struct Operation
 
     Leaves leaves = Leaves::Whole;
 
+    /// Likewise, when memory is out: for what keeps exceptions to itself.
+    std::function<bool(std::string_view result, std::string_view right)> withoutMemory{};
+
     /// Whether the process keeps what the first run found, be it as the documentation promises for a failure.
     bool isKept = false;
 

@@ -19,7 +19,7 @@ std::string Content()
 {
     std::string text = "K=old\nexport K\n[S]\nA=1\n";
     while (text.size() < 140'000)
-        text += "; a line that is there to fill the file\n";
+        text += "; a line that is there to fill the file: " + std::string(5000, 'x') + "\n";
     return text;
 }
 
