@@ -1,55 +1,18 @@
 // INI keys beside the system's own functions, and ReplaceInLines beside reading and writing the same bytes.
 
+#include "Workplace.h"
+
 #include <KelInsInfra/config/KelInsIniFile.h>
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/foundation/internal/WindowsApi.h>
 #include <KelInsInfra/io/KelInsIO.h>
 #include <array>
 #include <benchmark/benchmark.h>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <string>
 
 namespace {
-
-namespace fs = std::filesystem;
-
-/// A folder that is removed at the end of the program.
-class Folder
-{
-public:
-    Folder() : path_(fs::temp_directory_path() / ("kelins_bench_" + std::to_string(::GetCurrentProcessId())))
-    {
-        fs::create_directory(path_);
-    }
-
-    ~Folder()
-    {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    std::string MakeFile(const std::string& name, const std::string& content) const
-    {
-        const fs::path file = path_ / name;
-        std::ofstream(file, std::ios_base::binary) << content;
-        return file.string();
-    }
-
-private:
-    fs::path path_;
-};
-
-const Folder& Workplace()
-{
-    static const Folder folder;
-    return folder;
-}
 
 /// 1,000 lines: 50 sections of 19 keys.
 std::string IniContent()
@@ -76,16 +39,16 @@ std::string NextValue()
     return "C:\\Program Files\\Orchard\\" + std::to_string(1'000'000 + ++counter % 1'000'000);
 }
 
-void WriteIni(benchmark::State& state)
+void WriteIni(benchmark::State& state, const Workplace& place)
 {
-    const std::string file = Workplace().MakeFile("write_ours.ini", IniContent());
+    const std::string file = place.MakeFile("write_ours.ini", IniContent());
     for (auto _ : state)
         KelInsIniFile::Write(file, kSection, kKey, NextValue(), KelInsIniFile::Where::Replace, ';', false);
 }
 
-void WriteIniBySystem(benchmark::State& state)
+void WriteIniBySystem(benchmark::State& state, const Workplace& place)
 {
-    const std::wstring file = KelInsString::Widen(Workplace().MakeFile("write_system.ini", IniContent()));
+    const std::wstring file = KelInsString::Widen(place.MakeFile("write_system.ini", IniContent()));
     for (auto _ : state)
         if (!::WritePrivateProfileStringW(kWideSection, kWideKey, KelInsString::Widen(NextValue()).c_str(),
                                           file.c_str()))
@@ -94,7 +57,7 @@ void WriteIniBySystem(benchmark::State& state)
 
 void ReadIni(benchmark::State& state)
 {
-    const std::string file = Workplace().MakeFile("read_ours.ini", IniContent());
+    const std::string file = Workplace::InMemory().MakeFile("read_ours.ini", IniContent());
     for (auto _ : state)
         benchmark::DoNotOptimize(KelInsIniFile::ReadValueOfKey(file, kSection, kKey));
 }
@@ -104,7 +67,8 @@ void ReadIniBySystem(benchmark::State& state)
 {
     std::array<std::wstring, 16> files;
     for (std::size_t i = 0; i < files.size(); ++i)
-        files[i] = KelInsString::Widen(Workplace().MakeFile("read_system" + std::to_string(i) + ".ini", IniContent()));
+        files[i] = KelInsString::Widen(
+            Workplace::InMemory().MakeFile("read_system" + std::to_string(i) + ".ini", IniContent()));
     std::array<wchar_t, 256> value;
     std::size_t next = 0;
     for (auto _ : state)
@@ -125,7 +89,7 @@ std::string TextOfMegabytes(std::size_t megabytes)
 
 void ReplaceLines(benchmark::State& state, std::size_t megabytes)
 {
-    const std::string file = Workplace().MakeFile("replace_ours.txt", TextOfMegabytes(megabytes));
+    const std::string file = Workplace::InMemory().MakeFile("replace_ours.txt", TextOfMegabytes(megabytes));
     bool back = false;
     for (auto _ : state) {
         back = !back;
@@ -133,29 +97,39 @@ void ReplaceLines(benchmark::State& state, std::size_t megabytes)
                                       : KelInsIO::ReplaceInLines(file, "NewPlace", "OldPlace"));
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(megabytes << 20));
-    fs::remove(file);
+    std::filesystem::remove(file);
 }
 
 /// What no rewriting can do without: the bytes read once and written once.
 void ReadAndWrite(benchmark::State& state, std::size_t megabytes)
 {
-    const std::string file = Workplace().MakeFile("replace_raw.txt", TextOfMegabytes(megabytes));
-    std::string content(fs::file_size(file), '\0');
+    const std::string file = Workplace::InMemory().MakeFile("replace_raw.txt", TextOfMegabytes(megabytes));
+    std::string content(std::filesystem::file_size(file), '\0');
     for (auto _ : state) {
         std::ifstream(file, std::ios_base::binary).read(content.data(), static_cast<std::streamsize>(content.size()));
         std::ofstream(file, std::ios_base::binary).write(content.data(), static_cast<std::streamsize>(content.size()));
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(megabytes << 20));
-    fs::remove(file);
+    std::filesystem::remove(file);
 }
 
-BENCHMARK(WriteIni)->Name("INI write, 1000 lines/KelInsInfra");
-BENCHMARK(WriteIniBySystem)->Name("INI write, 1000 lines/WritePrivateProfileStringW");
-BENCHMARK(ReadIni)->Name("INI read, 1000 lines/KelInsInfra");
-BENCHMARK(ReadIniBySystem)->Name("INI read, 1000 lines/GetPrivateProfileStringW");
-BENCHMARK_CAPTURE(ReplaceLines, , 1)->Name("ReplaceInLines, 1 MB/KelInsInfra");
-BENCHMARK_CAPTURE(ReadAndWrite, , 1)->Name("ReplaceInLines, 1 MB/read and write");
-BENCHMARK_CAPTURE(ReplaceLines, , 64)->Name("ReplaceInLines, 64 MB/KelInsInfra");
-BENCHMARK_CAPTURE(ReadAndWrite, , 64)->Name("ReplaceInLines, 64 MB/read and write");
+const bool kRegistered = [] {
+    using benchmark::RegisterBenchmark;
+    const auto writing = [](const std::string& work, const Workplace& place) {
+        RegisterBenchmark((work + "/KelInsInfra").c_str(), [&place](auto& state) { WriteIni(state, place); });
+        RegisterBenchmark((work + "/WritePrivateProfileStringW").c_str(),
+                          [&place](auto& state) { WriteIniBySystem(state, place); });
+    };
+    writing("INI write, 1000 lines", Workplace::InMemory());
+    writing("INI write, 1000 lines, on disk", Workplace::OnDisk());
+    RegisterBenchmark("INI read, 1000 lines/KelInsInfra", ReadIni);
+    RegisterBenchmark("INI read, 1000 lines/GetPrivateProfileStringW", ReadIniBySystem);
+    for (const std::size_t megabytes : {1U, 64U}) {
+        const std::string work = "ReplaceInLines, " + std::to_string(megabytes) + " MB/";
+        RegisterBenchmark((work + "KelInsInfra").c_str(), [=](auto& state) { ReplaceLines(state, megabytes); });
+        RegisterBenchmark((work + "read and write").c_str(), [=](auto& state) { ReadAndWrite(state, megabytes); });
+    }
+    return true;
+}();
 
 } // namespace

@@ -1,5 +1,7 @@
 // Directory walk and file copy beside what one would write without the library.
 
+#include "Workplace.h"
+
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/foundation/internal/UniqueHandle.h>
 #include <KelInsInfra/io/FindFile.h>
@@ -7,9 +9,10 @@
 #include <benchmark/benchmark.h>
 #include <filesystem>
 #include <fstream>
-#include <random>
+#include <io.h>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 
 namespace {
 
@@ -19,40 +22,36 @@ constexpr int kDirectories = 100;
 constexpr int kFilesPerDirectory = 99; // 10,000 entries with the directories
 constexpr std::int64_t kCopiedBytes = 64 << 20;
 
-/// A tree of 10,000 entries and a file of 64 MiB, removed at the end of the program.
-class Place
+void MakeTree(const fs::path& root, int directories, int filesInEach, const std::string& content)
 {
-public:
-    Place() : root_(fs::temp_directory_path() / ("kelins_bench_" + std::to_string(std::random_device()())))
-    {
-        for (int i = 0; i < kDirectories; ++i) {
-            const fs::path directory = root_ / "tree" / ("directory " + std::to_string(i));
-            fs::create_directories(directory);
-            for (int j = 0; j < kFilesPerDirectory; ++j)
-                std::ofstream(directory / ("some file name " + std::to_string(j) + ".txt"));
-        }
-        std::ofstream(root_ / "file", std::ios::binary) << std::string(std::size_t{kCopiedBytes}, 'x');
+    for (int i = 0; i < directories; ++i) {
+        const fs::path directory = root / ("directory " + std::to_string(i));
+        fs::create_directories(directory);
+        for (int j = 0; j < filesInEach; ++j)
+            std::ofstream(directory / ("some file name " + std::to_string(j) + ".txt"), std::ios::binary) << content;
     }
+}
 
-    ~Place()
-    {
-        std::error_code ignored;
-        fs::remove_all(root_, ignored);
-    }
-
-    Place(const Place&) = delete;
-    Place& operator=(const Place&) = delete;
-
-    [[nodiscard]] std::string operator/(const char* name) const { return (root_ / name).string(); }
-
-private:
-    fs::path root_;
-};
-
-const Place& ThePlace()
+/// A tree of 10,000 entries.
+const fs::path& WalkedTree()
 {
-    static const Place place;
-    return place;
+    static const fs::path tree = [] {
+        const fs::path root = Workplace::OnDisk() / "walked";
+        MakeTree(root, kDirectories, kFilesPerDirectory, {});
+        return root;
+    }();
+    return tree;
+}
+
+/// A tree of 5,000 files of 1 KB.
+const fs::path& SmallFiles()
+{
+    static const fs::path tree = [] {
+        const fs::path root = Workplace::InMemory() / "small";
+        MakeTree(root, 50, 100, std::string(1024, 'x'));
+        return root;
+    }();
+    return tree;
 }
 
 // Each walk gives the UTF-8 name of every entry.
@@ -117,42 +116,101 @@ void MeasureWalk(benchmark::State& state, Walk walk, const Text& directory)
 
 void WalkOurs(benchmark::State& state)
 {
-    MeasureWalk(state, WalkWithFindFile, ThePlace() / "tree");
+    MeasureWalk(state, WalkWithFindFile, WalkedTree().string());
 }
 
 void WalkSystem(benchmark::State& state)
 {
-    MeasureWalk(state, WalkWithTheSystem, KelInsString::Widen(ThePlace() / "tree"));
+    MeasureWalk(state, WalkWithTheSystem, KelInsString::Widen(WalkedTree().string()));
 }
 
 void WalkStandard(benchmark::State& state)
 {
-    MeasureWalk(state, WalkWithTheStandard, fs::path(ThePlace() / "tree"));
+    MeasureWalk(state, WalkWithTheStandard, WalkedTree());
+}
+
+const std::string& BigFile()
+{
+    static const std::string file = Workplace::OnDisk().MakeFile("big", std::string(std::size_t{kCopiedBytes}, 'x'));
+    return file;
 }
 
 void CopyOurs(benchmark::State& state)
 {
-    const std::string source = ThePlace() / "file";
-    const std::string destination = ThePlace() / "copy";
+    const std::string destination = BigFile() + "_copy";
     for (auto _ : state)
-        KelInsIO::Copy(source, destination);
+        KelInsIO::Copy(BigFile(), destination);
     state.SetBytesProcessed(state.iterations() * kCopiedBytes);
 }
 
 void CopySystem(benchmark::State& state)
 {
-    const std::wstring source = KelInsString::Widen(ThePlace() / "file");
-    const std::wstring destination = KelInsString::Widen(ThePlace() / "copy");
+    const std::wstring source = KelInsString::Widen(BigFile());
+    const std::wstring destination = source + L"_copy";
     for (auto _ : state)
         if (!::CopyFileW(source.c_str(), destination.c_str(), FALSE))
             throw std::runtime_error("CopyFileW failed");
     state.SetBytesProcessed(state.iterations() * kCopiedBytes);
 }
 
-BENCHMARK(WalkOurs)->Name("Directory walk, 10000 entries/KelInsInfra");
-BENCHMARK(WalkSystem)->Name("Directory walk, 10000 entries/FindFirstFileW");
-BENCHMARK(WalkStandard)->Name("Directory walk, 10000 entries/recursive_directory_iterator");
-BENCHMARK(CopyOurs)->Name("File copy, 64 MiB/KelInsInfra");
-BENCHMARK(CopySystem)->Name("File copy, 64 MiB/CopyFileW");
+/// Copies or deletes a tree of small files; what is needed before each time, or is left after it, is not timed.
+template <typename Prepare, typename Work>
+void MeasureOnce(const char* name, Prepare prepare, Work work)
+{
+    const auto run = [=](benchmark::State& state) {
+        for (auto _ : state) {
+            state.PauseTiming();
+            prepare();
+            state.ResumeTiming();
+            work();
+        }
+    };
+    benchmark::RegisterBenchmark(name, run)->Iterations(1)->Unit(benchmark::kMillisecond);
+}
+
+void RegisterTrees()
+{
+    const auto copy = [] { return SmallFiles().string() + " copy"; };
+    const auto removeCopy = [copy] { fs::remove_all(copy()); };
+    const auto makeCopy = [copy, removeCopy] {
+        removeCopy();
+        fs::copy(SmallFiles(), copy(), fs::copy_options::recursive);
+    };
+    MeasureOnce("Copy of 5000 small files/KelInsInfra", removeCopy,
+                [copy] { KelInsIO::Copy(SmallFiles().string(), copy()); });
+    MeasureOnce("Copy of 5000 small files/std::filesystem::copy", removeCopy,
+                [copy] { fs::copy(SmallFiles(), copy(), fs::copy_options::recursive); });
+    MeasureOnce("Delete of 5000 small files/KelInsInfra", makeCopy, [copy] { KelInsIO::Delete(copy()); });
+    MeasureOnce("Delete of 5000 small files/std::filesystem::remove_all", makeCopy, removeCopy);
+}
+
+template <typename Call>
+void Measure(const char* name, Call call)
+{
+    benchmark::RegisterBenchmark(name, [call](benchmark::State& state) {
+        const std::string file = (WalkedTree() / "directory 0" / "some file name 0.txt").string();
+        const std::wstring wideFile = KelInsString::Widen(file);
+        for (auto _ : state)
+            if constexpr (std::is_invocable_v<Call, std::wstring>)
+                benchmark::DoNotOptimize(call(wideFile));
+            else
+                benchmark::DoNotOptimize(call(file));
+    });
+}
+
+const bool kRegistered = [] {
+    using benchmark::RegisterBenchmark;
+    RegisterBenchmark("Directory walk, 10000 entries/KelInsInfra", WalkOurs);
+    RegisterBenchmark("Directory walk, 10000 entries/FindFirstFileW", WalkSystem);
+    RegisterBenchmark("Directory walk, 10000 entries/recursive_directory_iterator", WalkStandard);
+    RegisterBenchmark("File copy, 64 MiB/KelInsInfra", CopyOurs);
+    RegisterBenchmark("File copy, 64 MiB/CopyFileW", CopySystem);
+    Measure("GetType/KelInsInfra", [](const std::string& file) { return KelInsIO::GetType(file); });
+    Measure("GetType/GetFileAttributesW", [](const std::wstring& file) { return ::GetFileAttributesW(file.c_str()); });
+    Measure("Exists/KelInsInfra", [](const std::string& file) { return KelInsIO::Exists(file); });
+    Measure("Exists/_waccess_s", [](const std::wstring& file) { return ::_waccess_s(file.c_str(), 0); });
+    RegisterTrees();
+    return true;
+}();
 
 } // namespace

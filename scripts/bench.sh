@@ -27,6 +27,9 @@ scripts/wine-prefix.sh stop
 results=$root/build/bench
 mkdir -p "$results" && rm -f "$results"/*
 
+# Files of benchmarks that are not about a disk lie in memory, where the machine has such a place.
+[ -w /dev/shm ] && export KELINS_BENCHMARK_MEMORY='Z:\dev\shm'
+
 options=(--benchmark_enable_random_interleaving=true --benchmark_repetitions=9 --benchmark_min_time=0.05
     --benchmark_report_aggregates_only=false)
 [ -z "$quick" ] || options=(--benchmark_min_time=0.001)
@@ -38,7 +41,7 @@ chosen() { # NAME: whether the command line asks for it
     return 1
 }
 
-for preset in native mingw; do
+for preset in ${KELINS_X:-native mingw}; do
     echo "== $preset: build"
     cmake --preset "$preset" -DKELINS_BENCHMARKS=ON >"$results/$preset.configure.log" 2>&1 ||
         { tail -n 20 "$results/$preset.configure.log"; exit 1; }
@@ -51,12 +54,27 @@ for preset in native mingw; do
         echo "== $preset: $name"
         run=("$program")
         [ "$preset" = native ] || run=("$root/scripts/wine.sh" "$program")
-        (cd "$results" && "${pin[@]}" "${run[@]}" "${options[@]}" \
+        fewer=()
+        [[ $name != growth* ]] || fewer=(--benchmark_repetitions=5) # large inputs: five rounds are enough
+        (cd "$results" && "${pin[@]}" "${run[@]}" "${options[@]}" "${fewer[@]}" \
             --benchmark_out="$preset.$name.json" --benchmark_out_format=json >"$preset.$name.log" 2>&1 </dev/null) ||
             { tail -n 20 "$results/$preset.$name.log"; exit 1; }
     done
 done
 [ -n "$quick" ] && { echo "every benchmark runs"; exit 0; }
 
-python3 scripts/bench_report.py "$results" benchmarks/targets.json >docs/benchmarks.md
-echo "written: docs/benchmarks.md"
+python3 - build/mingw "$results/sizes.json" <<'END' # what ships, without debug symbols
+import json, os, subprocess, sys, tempfile
+build, output = sys.argv[1:]
+sizes = {}
+for name in ("bin/KelInsInfra.dll", "lib/KelInsInfraStatic.a", "bin/single_file.dll", "bin/libstdc++-6.dll"):
+    path = os.path.join(build, name.replace("KelInsInfraStatic", "libKelInsInfraStatic"))
+    if os.path.exists(path):
+        with tempfile.TemporaryDirectory() as folder:
+            stripped = os.path.join(folder, "stripped")
+            subprocess.run(["x86_64-w64-mingw32-strip", "--strip-unneeded", "-o", stripped, path], check=True)
+            sizes[os.path.basename(path)] = os.path.getsize(stripped)
+json.dump(sizes, open(output, "w"))
+END
+python3 scripts/bench_report.py "$results" benchmarks/targets.json docs
+echo "written: docs/benchmarks.md, docs/benchmarks.svg, docs/growth.svg"

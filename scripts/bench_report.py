@@ -1,22 +1,29 @@
 #!/usr/bin/env python3
-"""bench_report.py RESULTS_FOLDER TARGETS_FILE: the Markdown report of one run of scripts/bench.sh, on standard output.
+"""bench_report.py RESULTS_FOLDER TARGETS_FILE DOCS_FOLDER: writes DOCS_FOLDER/benchmarks.md and its plots from one run of
+scripts/bench.sh.
 
 A benchmark's name is "<work>/<contestant>". In each round the contestants of a work ran one after the other, so the
-ratio of a peer's time to ours is taken round by round; its median and its spread are shown.
+ratio of a peer's time to ours is taken round by round; its median and its spread are shown. In growth_benchmarks the
+second part of the name is a size in megabytes instead.
 """
 
 import json
+import math
 import pathlib
 import statistics
 import subprocess
 import sys
 
+import bench_plots
+
 OURS = "KelInsInfra"
 PLATFORMS = {"native": "natively (Linux)", "mingw": "Windows build under Wine"}
+GROWTH_LIMIT = 1.3  # time per byte at 64 MB over that at 1 MB
 
 
 def read_rounds(path):
-    """{work: {contestant: [time of each round, in nanoseconds]}}, works in the order of their registration."""
+    """{work: {contestant: [value of each round]}}, works in the order of their registration. A value is a time in
+    nanoseconds, or what the benchmark counted as its "bytes"."""
     works = {}
     factor = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
     runs = json.loads(path.read_text())["benchmarks"]
@@ -24,32 +31,60 @@ def read_rounds(path):
         if run["run_type"] != "iteration":
             continue
         work, contestant = run["run_name"].split("/")[:2]
-        entry = (run["repetition_index"], run["real_time"] * factor[run["time_unit"]])
-        works.setdefault(work, {}).setdefault(contestant, []).append(entry)
+        value = run["bytes"] if "bytes" in run else run["real_time"] * factor[run["time_unit"]]
+        works.setdefault(work, {}).setdefault(contestant, []).append((run["repetition_index"], value))
     return {w: {c: [e[1] for e in sorted(entries)] for c, entries in sorted(cs.items())} for w, cs in works.items()}
 
 
-def duration(nanoseconds):
+def amount(work, value):
+    if work.startswith("Memory"):
+        return f"{value:.0f} bytes"
     for unit, size in (("s", 1e9), ("ms", 1e6), ("µs", 1e3)):
-        if nanoseconds >= size:
-            return f"{nanoseconds / size:.3g} {unit}"
-    return f"{nanoseconds:.3g} ns"
+        if value >= size:
+            return f"{value / size:.3g} {unit}"
+    return f"{value:.3g} ns"
 
 
-def rows_of(platform, works, targets):
+class Comparison:
+    """Ours beside one peer."""
+
+    def __init__(self, platform, work, peer, ours, theirs, target):
+        ratios = [their / our for their, our in zip(theirs, ours)]
+        self.platform, self.work, self.peer, self.target = platform, work, peer, target
+        self.ours, self.theirs = statistics.median(ours), statistics.median(theirs)
+        self.ratio, self.least, self.greatest = statistics.median(ratios), min(ratios), max(ratios)
+
+    def verdict(self):
+        if self.target is None:
+            return ""
+        return f"{self.target:g}x: " + ("holds" if self.ratio >= self.target else "**missed**")
+
+    def row(self):
+        return (self.work, amount(self.work, self.ours), self.peer, amount(self.work, self.theirs),
+                f"**{self.ratio:.2f}x**", f"{self.least:.2f} to {self.greatest:.2f}", self.verdict())
+
+
+def comparisons(platform, works, targets):
     for work, contestants in works.items():
         if OURS not in contestants:
             raise SystemExit(f"no contestant {OURS} in {work}")
-        ours = contestants[OURS]
-        for peer, times in contestants.items():
-            if peer == OURS:
-                continue
-            ratios = [theirs / our for theirs, our in zip(times, ours)]
-            ratio = statistics.median(ratios)
-            target = targets.get((platform, work, peer))
-            verdict = "" if target is None else f"{target:g}x: " + ("holds" if ratio >= target else "**missed**")
-            yield (work, duration(statistics.median(ours)), peer, duration(statistics.median(times)),
-                   f"**{ratio:.2f}x**", f"{min(ratios):.2f} to {max(ratios):.2f}", verdict)
+        for peer, values in contestants.items():
+            if peer != OURS:
+                yield Comparison(platform, work, peer, contestants[OURS], values, targets.get((platform, work, peer)))
+
+
+def growth_rows(works):
+    """(work, {megabytes: nanoseconds per byte}, exponent, per byte at the largest over the smallest)"""
+    for work, sizes in works.items():
+        per_byte = {int(size): min(times) / (int(size) << 20) for size, times in sizes.items()}
+        small, large = min(per_byte), max(per_byte)
+        factor = per_byte[large] / per_byte[small]
+        yield work, dict(sorted(per_byte.items())), 1 + math.log(factor, large / small), factor
+
+
+def table(head, rows):
+    lines = ["| " + " | ".join(head) + " |", "|" + "---|" * len(head)]
+    return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in rows]) + "\n"
 
 
 def machine():
@@ -58,27 +93,58 @@ def machine():
     return model, commit
 
 
+def sizes(folder):
+    """The library's files, without debug symbols."""
+    path = folder / "sizes.json"
+    if not path.exists():
+        return ""
+    rows = [(name, f"{size / 1e6:.2f} MB") for name, size in json.loads(path.read_text()).items()]
+    return "## Sizes\n\n" + table(("file, stripped", "size"), rows) + "\n"
+
+
+def growth_section(platform, works):
+    rows = []
+    for work, per_byte, exponent, factor in growth_rows(works):
+        verdict = f"{GROWTH_LIMIT:g}x: " + ("holds" if factor <= GROWTH_LIMIT else "**missed**")
+        rows.append((work, *(f"{v:.3g} ns" for v in per_byte.values()), f"{exponent:.2f}", f"{factor:.2f}x", verdict))
+    head = ("work", "a byte of 1 MB", "of 8 MB", "of 64 MB", "exponent", "64 MB over 1 MB", "at most")
+    return f"## Growth, {PLATFORMS[platform]}\n\n" + table(head, rows) + "\n"
+
+
 def main():
-    folder, targets_file = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
-    targets = {tuple(t[:3]): t[3] for t in json.loads(targets_file.read_text())["targets"]}
+    folder, targets_file, docs = (pathlib.Path(argument) for argument in sys.argv[1:4])
+    given = json.loads(targets_file.read_text())
+    targets = {tuple(t[:3]): t[3] for t in given["targets"]}
     model, commit = machine()
-    print("# Benchmarks\n")
-    print("Written by `scripts/bench.sh`; do not edit. Ours and its peers alternate in one process, pinned to one core; times "
-          "are medians of 9 rounds,\nthe ratio is the peer's time over ours, round by round (above 1: ours is faster), the "
-          "spread its least and greatest value.\n")
-    print(f"Machine: {model}; on top of commit {commit}. Absolute times hold for this machine alone.\n")
-    unmet = set(targets)
+    sections, plotted, growth = [], [], {}
     for platform, title in PLATFORMS.items():
         for path in sorted(folder.glob(f"{platform}.*.json")):
             program = path.name.split(".")[1].removesuffix("_benchmarks")
-            print(f"## {program}, {title}\n")
-            print("| work | ours | peer | peer's time | ratio | spread | must |\n|---|---|---|---|---|---|---|")
-            for row in rows_of(platform, read_rounds(path), targets):
-                unmet.discard((platform, row[0], row[2]))
-                print("| " + " | ".join(row) + " |")
-            print()
+            works = read_rounds(path)
+            if program == "growth":
+                growth[platform] = works
+                continue
+            found = list(comparisons(platform, works, targets))
+            plotted += found
+            head = ("work", "ours", "peer", "the peer's", "ratio", "spread", "must")
+            sections.append(f"## {program}, {title}\n\n" + table(head, [c.row() for c in found]) + "\n")
+    for platform, works in growth.items():
+        sections.append(growth_section(platform, works))
+    unmet = set(targets) - {(c.platform, c.work, c.peer) for c in plotted}
     for target in sorted(unmet):
         print(f"bench_report.py: not measured: {target}", file=sys.stderr)
+    bench_plots.write(docs, plotted, {p: list(growth_rows(w)) for p, w in growth.items()})
+    text = ("# Benchmarks\n\nWritten by `scripts/bench.sh`; do not edit. Ours and its peers alternate in one process, pinned "
+            "to one core; times are medians of 9 rounds,\nthe ratio is the peer's value over ours, round by round (above 1: "
+            "ours is faster or smaller), the spread its least and greatest\nvalue. Files of INI, `ReplaceInLines` and tree "
+            "rows lie in memory unless the row says otherwise.\n\n"
+            f"Machine: {model}; on top of commit {commit}. Absolute times hold for this machine alone.\n\n"
+            "![The peer's time over ours, for each row that has a target](benchmarks.svg)\n\n"
+            "![Time per byte at three sizes](growth.svg)\n\n" + "".join(sections) + sizes(folder))
+    notes = targets_file.parent / "notes.md"
+    if notes.exists():
+        text += notes.read_text()
+    (docs / "benchmarks.md").write_text(text)
 
 
 main()

@@ -10,7 +10,7 @@ set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root" || exit 1
 
-fuzz_seconds=${KELINS_FUZZ_SECONDS:-60} # for each parser of whole documents; the smaller formats get a quarter
+fuzz_seconds=${KELINS_FUZZ_SECONDS:-24} # for each parser of whole documents; the smaller formats get a quarter: a minute in all
 case ${1:-} in
     --no-fuzz) fuzz_seconds=0 ;;
     -h | --help) sed -n '2,9s/^# \?//p' "${BASH_SOURCE[0]}"; exit 0 ;;
@@ -92,6 +92,7 @@ if step "build natively, address and undefined-behaviour sanitizers" build nativ
     step "test natively, address and undefined-behaviour sanitizers" tests native-asan
     results+=(build/native-asan/results)
 fi
+step "instructions of fixed workloads beside the committed figures" scripts/check-speed.sh
 if step "build natively, thread sanitizer" build native-tsan portable_tests; then
     step "test natively, thread sanitizer" tests native-tsan -R "^portable_tests$|Isolated"
     results+=(build/native-tsan/results)

@@ -1,6 +1,7 @@
 #include <KelInsInfra/config/internal/IniLines.h>
 #include <KelInsInfra/io/KelInsIO.h>
 #include <KelInsInfra/io/internal/RewriteFile.h>
+#include <KelInsInfra/io/internal/TextLines.h>
 
 namespace KelInsIniFile {
 namespace {
@@ -32,15 +33,11 @@ std::string ReadValueOfKey(const std::string& fileName, const std::string& secti
     std::ifstream stream = KelInsIO::GetInputFileStream(fileName, std::ios_base::in);
     if (stream.fail())
         throw std::runtime_error("Failed to open " + fileName);
-    stream.exceptions(std::ios_base::badbit); // or it would keep std::bad_alloc to itself, and the search would end
-    try {
-        KeySearch search(section, key);
-        for (std::string line; KelInsIO::GetLine(stream, line);)
-            if (const auto value = search.Examine(line))
-                return std::string(*value);
-    } catch (const std::ios_base::failure&) {
-        // a read error ends the file
-    }
+    KeySearch search(section, key);
+    KelInsIO::LineReader lines(stream);
+    while (const auto line = lines.Next())
+        if (const auto value = search.Examine(*line))
+            return std::string(*value);
     throw KeyNotFoundException("The key " + key + " was not found in section " + section + " in file " + fileName);
 }
 

@@ -24,6 +24,11 @@ Lines SplitLines(std::string_view content)
     return lines;
 }
 
+bool IsBlank(char c)
+{
+    return c == ' ' || c == '\t';
+}
+
 std::string ExportLine(std::string_view key)
 {
     return std::string("export ").append(key);
@@ -105,22 +110,21 @@ std::string JoinLines(const Lines& lines, std::size_t contentSize)
 
 std::string_view ExtractSectionName(std::string_view line)
 {
-    constexpr std::string_view blanks = " \t";
-    const std::size_t first = line.find_first_not_of(blanks);
-    if (first == std::string_view::npos || line[first] != '[')
+    while (!line.empty() && IsBlank(line.front()))
+        line.remove_prefix(1);
+    if (!line.starts_with('['))
         return {};
-    const std::size_t last = line.find_last_not_of(blanks);
-    if (line[last] != ']')
-        return {};
-    return line.substr(first + 1, last - first - 1);
+    while (IsBlank(line.back()))
+        line.remove_suffix(1);
+    return line.ends_with(']') ? line.substr(1, line.size() - 2) : std::string_view();
 }
 
 std::optional<std::string_view> ExtractValue(std::string_view line, std::string_view key)
 {
-    const std::size_t equals = line.find('=');
-    if (equals == std::string_view::npos || line.substr(0, equals) != key)
+    if (line.size() <= key.size() || line[key.size()] != '=' || !line.starts_with(key) ||
+        key.find('=') != std::string_view::npos)
         return {};
-    return line.substr(equals + 1);
+    return line.substr(key.size() + 1);
 }
 
 std::optional<std::string_view> KeySearch::Examine(std::string_view line)

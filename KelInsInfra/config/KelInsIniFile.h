@@ -51,23 +51,22 @@ KELINS_API std::string ReadValueOfKey(const std::string& fileName, const std::st
 /// file. A read-only file is made writable for the copy and read-only again afterwards.
 ///
 /// @param fileName     UTF-8 path. A new file needs a directory in its name: a bare name that does not exist yet is
-/// refused
-///                     ("CreateDir - empty path\n").
+///                     refused ("CreateDir - empty path\n").
 /// @param section      UTF-8; empty: the lines before the first header. Ignored with shellExport.
 /// @param key          UTF-8, not empty.
 /// @param value        UTF-8, written as it is.
 /// @param where        how an existing value and the new one are combined; a new key gets the new value alone.
 /// @param separator    put between the two values of Append and Prepend where both are non-empty and it does not stand
 ///                     there already.
-/// @param shellExport  the file is a shell script: brackets mean nothing, and "<key>=<value>" is followed by "export
-/// <key>".
-/// @throws std::runtime_error without a final line feed: "Filename is empty"; "Key is empty"; "Failed to open
-/// <fileName>";
+/// @param shellExport  the file is a shell script: brackets mean nothing, and "<key>=<value>" is followed by
+///                     "export <key>".
+/// @throws std::runtime_error, none of these with a final line feed:
+///         "Filename is empty"; "Key is empty"; "Failed to open <fileName>";
 ///         "<fileName>: bad format: missing \"export <key>\" at the end." or
 ///         "<fileName>: bad format: missing \"export <key>\" after line\n<line>" when a shell file lacks the export
-///         line after the matching line; "Failed to read <fileName>": up to here nothing is written; "Failed to open
-///         <fileName>_TmpIniW"; "Failed to write <fileName>_TmpIniW": the file is untouched; "Failed to write
-///         <fileName>": the temporary file is kept. And as KelInsIO::CreateDir and KelInsIO::Copy.
+///         line after the matching line; "Failed to read <fileName>": up to here nothing is written;
+///         "Failed to open <fileName>_TmpIniW"; "Failed to write <fileName>_TmpIniW": the file is untouched;
+///         "Failed to write <fileName>": the temporary file is kept. And as KelInsIO::CreateDir and KelInsIO::Copy.
 KELINS_API void Write(const std::string& fileName, const std::string& section, const std::string& key,
                       const std::string& value, Where where, char separator, bool shellExport);
 

@@ -10,6 +10,7 @@ namespace KelInsJavaProperties {
 /// Escapes a key or value for writing: backslash, tab, line feed, form feed, carriage return, '!', '#', ':', '=', and
 /// blanks.
 ///
+/// @param text         UTF-8, or any bytes.
 /// @param escapeSpace  true for keys: every blank; false for values: only a leading blank.
 KELINS_API std::string saveConvert(const std::string& text, bool escapeSpace);
 

@@ -14,8 +14,7 @@ namespace KelInsString {
 ///
 /// Converts up to the first NUL: both overloads stop at a NUL inside the text.
 /// @return UTF-8; empty for null, for empty text, for text of more than INT_MAX units and when the system cannot
-/// convert.
-///         Unpaired surrogates become what the system makes of them (U+FFFD).
+///         convert. Unpaired surrogates become what the system makes of them (U+FFFD).
 KELINS_API std::string Narrow(const std::wstring& text);
 KELINS_API std::string Narrow(const wchar_t* text);
 
@@ -23,8 +22,7 @@ KELINS_API std::string Narrow(const wchar_t* text);
 ///
 /// Converts up to the first NUL: both overloads stop at a NUL inside the text.
 /// @return UTF-16; empty for null, for empty text, for text of more than INT_MAX bytes and when the system cannot
-/// convert.
-///         Invalid UTF-8 becomes what the system makes of it (U+FFFD).
+///         convert. Invalid UTF-8 becomes what the system makes of it (U+FFFD).
 KELINS_API std::wstring Widen(const std::string& text);
 KELINS_API std::wstring Widen(const char* text);
 

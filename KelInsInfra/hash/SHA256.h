@@ -25,7 +25,7 @@ struct Sha256Engines; // internal
 /// once per process; the digests are the same everywhere. Data of any alignment will do. A digest has no key: it shows
 /// that data is what it was, not who made it, and it is no way to store passwords.
 ///
-/// Nothing here reports an error; only Add of a stream can throw, as told there.
+/// Nothing here reports an error, but Add of a stream may throw, as told there, and GetHash std::bad_alloc.
 class SHA256
 {
 public:
@@ -49,13 +49,14 @@ public:
     /// Appends all that can still be read from a stream, in pieces of 64 KiB, the last, shorter one included.
     ///
     /// A stream that has already failed contributes nothing and is not touched. Afterwards the stream is as the reads
-    /// left it: at its end, failed, not rewound. Where reading breaks off, what was read before counts: ask the stream
-    /// (bad()) whether all of it came. Open files in binary mode.
+    /// left it: at its end, failed, not rewound. Where reading breaks off, what was read before counts, but for a piece
+    /// in the middle of which the stream's buffer threw: ask the stream (bad()) whether all of it came. Open files in
+    /// binary mode.
     ///
     /// @throws std::bad_alloc  when there is no memory for a piece; nothing was read then.
     /// @throws std::ios_base::failure, or what the stream's buffer threw: only from a stream whose owner turned
     ///         exceptions on (`exceptions()`), in the states that he chose, reaching the end (failbit, eofbit)
-    ///         included. All bytes that were read are appended even then.
+    ///         included. What was read is appended even then, as told above.
     KELINS_API void Add(std::istream& stream);
 
     /// The digest of all bytes appended since construction or the last Reset: 64 digits, 0-9 and a-f. Changes nothing:

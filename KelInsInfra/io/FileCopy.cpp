@@ -24,15 +24,26 @@ UniqueFileHandle OpenToIdentify(const std::string& path)
                                           OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
-/// Both are open at once: the system promises an index to stay the same only while the file is open.
-bool AreSameFile(const std::string& a, const std::string& b)
+/// False when it can be told quickly that these are two files: asking for identities takes the system longer.
+bool MayBeSameFile(HANDLE a, HANDLE b)
 {
-    const UniqueFileHandle fileA = OpenToIdentify(a);
-    const UniqueFileHandle fileB = OpenToIdentify(b);
+    FILETIME first;
+    FILETIME second;
+    return !::GetFileTime(a, &first, nullptr, nullptr) || !::GetFileTime(b, &second, nullptr, nullptr) ||
+           ::CompareFileTime(&first, &second) == 0;
+}
+
+/// Both are open at once: the system promises an index to stay the same only while the file is open.
+bool AreSameFile(const std::string& source, const std::string& destination)
+{
+    const UniqueFileHandle b = OpenToIdentify(destination);
+    if (!b) // mostly because there is none yet
+        return false;
+    const UniqueFileHandle a = OpenToIdentify(source);
     BY_HANDLE_FILE_INFORMATION first;
     BY_HANDLE_FILE_INFORMATION second;
-    return fileA && fileB && ::GetFileInformationByHandle(fileA.Get(), &first) &&
-           ::GetFileInformationByHandle(fileB.Get(), &second) &&
+    return a && MayBeSameFile(a.Get(), b.Get()) && ::GetFileInformationByHandle(a.Get(), &first) &&
+           ::GetFileInformationByHandle(b.Get(), &second) &&
            first.dwVolumeSerialNumber == second.dwVolumeSerialNumber && first.nFileIndexHigh == second.nFileIndexHigh &&
            first.nFileIndexLow == second.nFileIndexLow;
 }

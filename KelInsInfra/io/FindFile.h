@@ -26,8 +26,8 @@ public:
     /// @throws std::runtime_error  "FindFirstFile - Path is empty\n" when the normalised path is empty.
     KELINS_API FindFile(const std::string& directory, BitMask<Type> filter);
     KELINS_API ~FindFile();
-    KELINS_API FindFile(FindFile&& other) noexcept;
-    KELINS_API FindFile& operator=(FindFile&& other) noexcept;
+    KELINS_API FindFile(FindFile&& other) noexcept;            ///< takes the search over
+    KELINS_API FindFile& operator=(FindFile&& other) noexcept; ///< ends its own search, takes the other's over
     FindFile(const FindFile&) = delete;
     FindFile& operator=(const FindFile&) = delete;
 
@@ -42,8 +42,8 @@ public:
 
     /// Directory or File, with ReparsePoint beside it for links, junctions and other reparse points.
     KELINS_API BitMask<Type> GetType() const;
-    KELINS_API bool IsDirectory() const;
-    KELINS_API bool IsFile() const;
+    KELINS_API bool IsDirectory() const; ///< whether GetType has Directory
+    KELINS_API bool IsFile() const;      ///< whether GetType has File
 
     /// Whether a directory holds no entry. A missing or unreadable directory counts as empty.
     /// @throws std::runtime_error  "FindFirstFile - Path is empty\n" when the normalised path is empty.

@@ -26,6 +26,7 @@ enum class Type : std::uint32_t
     ReparsePoint = 4,
 };
 
+/// Both, as a set: Type::File | Type::Directory finds either.
 constexpr BitMask<Type> operator|(Type a, Type b)
 {
     return BitMask<Type>(a) | b;
@@ -38,10 +39,12 @@ constexpr BitMask<Type> operator|(Type a, Type b)
 /// @throws "GetType - empty path\n"; "GetType - <path> - <system text>\n" when it is missing or cannot be asked.
 KELINS_API BitMask<Type> GetType(const std::string& path);
 
-/// Whether GetType has Directory. @throws as GetType, so also for a missing path.
+/// Whether GetType has Directory.
+/// @throws as GetType, so also for a missing path.
 KELINS_API bool IsDirectory(const std::string& path);
 
-/// Whether GetType has File. @throws as GetType, so also for a missing path.
+/// Whether GetType has File.
+/// @throws as GetType, so also for a missing path.
 KELINS_API bool IsFile(const std::string& path);
 
 /// Whether anything stands at a path. Never throws; the empty path does not exist.
@@ -126,12 +129,13 @@ KELINS_API bool RemoveEmptyDirectories(const std::string& path);
 /// nothing is thrown.
 /// @{
 
-/// Opens a file for reading. @param mode  added to in | binary, with the meaning that the standard gives the sum.
+/// Opens a file for reading.
+/// @param mode  added to in | binary, with the meaning that the standard gives the sum.
 KELINS_API std::ifstream GetInputFileStream(const std::string& path, std::ios_base::openmode mode);
 KELINS_API std::ifstream GetInputFileStream(const Path& path, std::ios_base::openmode mode);
 
-/// Opens a file for writing. @param mode  added to out | binary, with the meaning that the standard gives the sum; out
-/// alone truncates.
+/// Opens a file for writing.
+/// @param mode  added to out | binary, with the meaning that the standard gives the sum; out alone truncates.
 KELINS_API std::ofstream GetOutputFileStream(const std::string& path, std::ios_base::openmode mode);
 KELINS_API std::ofstream GetOutputFileStream(const Path& path, std::ios_base::openmode mode);
 

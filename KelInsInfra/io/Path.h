@@ -16,31 +16,30 @@ namespace KelInsIO {
 class Path
 {
 public:
-    KELINS_API static const char SepC;          ///< '\'
-    KELINS_API static const char ConcatSepC;    ///< ';' between the entries of a path list
-    KELINS_API static const char AltSepC;       ///< '/'
-    KELINS_API static const char AltConcatSepC; ///< ':' between the entries of a path list of other systems
-    KELINS_API static const std::string Sep;
-    KELINS_API static const std::string ConcatSep;
-    KELINS_API static const std::string AltSep;
-    KELINS_API static const std::string AltConcatSep;
+    KELINS_API static const char SepC;                ///< '\'
+    KELINS_API static const char ConcatSepC;          ///< ';' between the entries of a path list
+    KELINS_API static const char AltSepC;             ///< '/'
+    KELINS_API static const char AltConcatSepC;       ///< ':' between the entries of a path list of other systems
+    KELINS_API static const std::string Sep;          ///< SepC as a text, and so on
+    KELINS_API static const std::string ConcatSep;    ///< ConcatSepC
+    KELINS_API static const std::string AltSep;       ///< AltSepC
+    KELINS_API static const std::string AltConcatSep; ///< AltConcatSepC
 
     /// The empty path: no text, no root.
     KELINS_API Path();
 
-    /// Any spelling of a path: absolute ("C:\x", "\\server\share\x"), relative, or in double or single
-    /// quotes.
+    /// Any spelling of a path: absolute ("C:\x", "\\server\share\x"), relative, or in double or single quotes.
     KELINS_API Path(std::string path); // implicit: wherever a path is wanted, its text will do
 
-    KELINS_API Path(const Path& other);
-    KELINS_API Path& operator=(const Path& other);
+    KELINS_API Path(const Path& other);                ///< a copy
+    KELINS_API Path& operator=(const Path& other);     ///< a copy
     KELINS_API Path(Path&& other) noexcept;            ///< other is then empty and fit only to be assigned or destroyed
     KELINS_API Path& operator=(Path&& other) noexcept; ///< likewise
     KELINS_API ~Path();
 
     /// The canonical text.
     KELINS_API const std::string& GetPath() const;
-    KELINS_API bool IsEmpty() const;
+    KELINS_API bool IsEmpty() const; ///< whether the text is empty
 
     /// Whether the path has a root: a drive ("C:", even without a separator after it) or a UNC share.
     KELINS_API bool IsAbsolute() const;
@@ -62,9 +61,9 @@ public:
 
     /// Exact comparison of the canonical texts, byte for byte: "C:\A" is not "c:\a".
     KELINS_API bool operator==(const Path& other) const;
-    KELINS_API bool operator!=(const Path& other) const;
+    KELINS_API bool operator!=(const Path& other) const;        ///< the opposite
     KELINS_API bool operator==(const std::string& other) const; ///< other is compared as it is, not normalised
-    KELINS_API bool operator!=(const std::string& other) const;
+    KELINS_API bool operator!=(const std::string& other) const; ///< the opposite
 
     /// This, '\', other; normalised anew. An empty left side gives a relative path that begins with '\'.
     KELINS_API Path operator+(const Path& other) const;

@@ -1,31 +1,25 @@
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/foundation/internal/UniqueHandle.h>
 #include <KelInsInfra/io/KelInsIO.h>
+#include <KelInsInfra/io/internal/FileStreams.h>
 #include <KelInsInfra/io/internal/RewriteFile.h>
 #include <algorithm>
+#include <memory>
 #include <stdexcept>
-#include <vector>
 
 namespace KelInsIO {
 namespace {
 
-constexpr std::size_t kBlockSize = 65536;
+constexpr std::size_t kBlockSize = 32768;
 
 [[noreturn]] void Fail(const MessageFrame& frame, const std::string& text)
 {
     throw std::runtime_error(frame.before + text + frame.after);
 }
 
-/// Removes what an earlier, interrupted rewriting left. It may also be a link that somebody planted: never write
-/// through it. A directory of that name stays, and the opening that follows reports what cannot be removed.
-void RemoveLeftover(const std::string& temporaryName)
-{
-    ::DeleteFileW(Path::GetFullPathNameW(Path(temporaryName).GetPath()).c_str());
-}
-
 void WriteWhole(const std::string& temporaryName, const std::string& content, const MessageFrame& frame)
 {
-    std::ofstream stream = GetOutputFileStream(temporaryName, std::ios_base::out);
+    std::ofstream stream = ReplaceByNewFile(temporaryName); // one may lie there since an earlier, interrupted rewriting
     if (!stream.good())
         Fail(frame, "Failed to open " + temporaryName);
     for (std::size_t written = 0; written < content.size(); written += kBlockSize) // beyond 2 GiB one call would not do
@@ -36,10 +30,20 @@ void WriteWhole(const std::string& temporaryName, const std::string& content, co
         Fail(frame, "Failed to write " + temporaryName);
 }
 
-/// Asks the file itself: of a link, its directory would tell the size of the link.
+std::uint64_t Join(DWORD high, DWORD low)
+{
+    return std::uint64_t{high} << 32U | low;
+}
+
+/// Of a link, its directory tells the size of the link: then the file itself is asked, which takes longer.
 bool HasSize(const std::string& name, std::size_t size)
 {
     const std::wstring wideName = KelInsString::Widen(name);
+    WIN32_FILE_ATTRIBUTE_DATA record;
+    if (!::GetFileAttributesExW(wideName.c_str(), GetFileExInfoStandard, &record))
+        return false;
+    if ((record.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
+        return Join(record.nFileSizeHigh, record.nFileSizeLow) == size;
     const UniqueFileHandle file(::CreateFileW(wideName.c_str(), FILE_READ_ATTRIBUTES,
                                               FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
@@ -56,6 +60,14 @@ void DeleteIgnoringFailure(const std::string& name)
     }
 }
 
+/// 0 where it cannot be told.
+std::size_t SizeOf(std::streambuf& file)
+{
+    const std::streamoff end = file.pubseekoff(0, std::ios_base::end);
+    file.pubseekoff(0, std::ios_base::beg);
+    return end > 0 ? static_cast<std::size_t>(end) : 0;
+}
+
 } // namespace
 
 std::string ReadForRewriting(const std::string& name, const MessageFrame& frame)
@@ -64,10 +76,11 @@ std::string ReadForRewriting(const std::string& name, const MessageFrame& frame)
     if (!stream.good())
         Fail(frame, "Failed to open " + name);
     std::string content;
-    std::vector<char> block(kBlockSize);
+    content.reserve(SizeOf(*stream.rdbuf()));
+    const auto block = std::make_unique_for_overwrite<char[]>(kBlockSize);
     do {
-        stream.read(block.data(), static_cast<std::streamsize>(block.size()));
-        content.append(block.data(), static_cast<std::size_t>(stream.gcount()));
+        stream.read(block.get(), kBlockSize);
+        content.append(block.get(), static_cast<std::size_t>(stream.gcount()));
     } while (stream.good());
     if (stream.bad())
         Fail(frame, "Failed to read " + name);
@@ -77,7 +90,6 @@ std::string ReadForRewriting(const std::string& name, const MessageFrame& frame)
 void RewriteFile(const std::string& name, const std::string& temporaryName, const std::string& content,
                  const MessageFrame& frame)
 {
-    RemoveLeftover(temporaryName);
     WriteWhole(temporaryName, content, frame);
     const bool wasReadOnly = SetReadOnly(name, false);
     Copy(temporaryName, name);

@@ -18,6 +18,7 @@ public:
     std::uint64_t GetSize() const override;
     void WriteIndented(std::ostream& out, std::int32_t level) const override;
 
+    /// @cond  what follows is for the library itself, and not exported
     void Append(std::shared_ptr<Value> value);
 
     const std::vector<std::shared_ptr<Value>>& Elements() const { return elements_; }
@@ -26,6 +27,8 @@ public:
     std::shared_ptr<Value>* LastChild() noexcept { return elements_.empty() ? nullptr : &elements_.back(); }
 
     void DropLastChild() noexcept { elements_.pop_back(); }
+
+    /// @endcond
 
 private:
     std::vector<std::shared_ptr<Value>> elements_;

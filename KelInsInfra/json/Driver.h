@@ -40,23 +40,25 @@ public:
     /// - a member under an empty key is refused: a scalar is left out, and a container is not entered, so that its
     ///   content goes to the container around it and its closing brace or bracket closes that one;
     /// - every byte that fits no rule is echoed to std::cout and skipped: carriage returns outside strings, a
-    /// byte-order
-    ///   mark, comments, a backslash in a string that begins no escape. Control bytes in strings are accepted;
+    ///   byte-order mark, comments, a backslash in a string that begins no escape. Control bytes in strings are
+    ///   accepted;
     /// - numbers keep their text; leading zeros are accepted.
     ///
     /// @return true: the root is there, and open for Add. False for a syntax error: the driver is empty; nothing is
     ///         printed for it. A pending key of SetNextObjectKey is not cleared by failure.
     /// @throws std::runtime_error  with the scanner's text when it cannot go on ("input in flex scanner failed" when
-    /// the
-    ///         stream breaks); std::bad_alloc when memory runs out. The driver is empty then.
+    ///         the stream breaks).
+    /// @throws std::bad_alloc      when memory runs out. The driver is empty after either.
     KELINS_API bool Parse(std::istream& in);
     KELINS_API bool Parse(const std::string& text);
 
     /// Closes everything and releases the root. A pending key stays.
     KELINS_API void ResetParser();
 
-    /// Starts a new document whose root is an empty array (object), and opens it.
+    /// Starts a new document whose root is an empty array, and opens it.
     KELINS_API void NewArray();
+
+    /// Starts a new document whose root is an empty object, and opens it.
     KELINS_API void NewObject();
 
     /// Makes an array or object the root and opens it. False, changing nothing, for an empty pointer or any other type.
@@ -91,8 +93,8 @@ public:
     /// The compact text form of the root (Value::GetJSON); empty if there is none.
     KELINS_API std::string GetJSON() const;
 
-    KELINS_API static std::shared_ptr<Object> CreateObject();
-    KELINS_API static std::shared_ptr<Array> CreateArray();
+    KELINS_API static std::shared_ptr<Object> CreateObject(); ///< an empty one
+    KELINS_API static std::shared_ptr<Array> CreateArray();   ///< an empty one
 
     /// A number with this text, which is not checked. A null pointer counts as an empty text, here and below.
     KELINS_API static std::shared_ptr<Item> CreateNumber(const std::string& text);
@@ -103,10 +105,10 @@ public:
     KELINS_API static std::shared_ptr<Item> CreateString(const std::string& text, bool emptyIsNull);
     KELINS_API static std::shared_ptr<Item> CreateString(const char* text, bool emptyIsNull);
 
-    KELINS_API static std::shared_ptr<Item> CreateBoolean(bool value);
-    KELINS_API static std::shared_ptr<Item> CreateTrue();
-    KELINS_API static std::shared_ptr<Item> CreateFalse();
-    KELINS_API static std::shared_ptr<Item> CreateNull();
+    KELINS_API static std::shared_ptr<Item> CreateBoolean(bool value); ///< true or false
+    KELINS_API static std::shared_ptr<Item> CreateTrue();              ///< true
+    KELINS_API static std::shared_ptr<Item> CreateFalse();             ///< false
+    KELINS_API static std::shared_ptr<Item> CreateNull();              ///< null
 
     /// The member under exactly this name; empty if value is empty, is no object or has none. Never throws.
     KELINS_API static std::shared_ptr<Value> FindAttribute(const std::shared_ptr<Value>& value,
@@ -122,7 +124,7 @@ public:
     ///         "JSON::Driver::GetAttribute - <name> is not a Number. Actual type: <type>" (or " is not a Boolean", " is
     ///         not a String", " is neither an Array nor an Object") if the member is of another type than out takes. A
     ///         null, also one that was written as an empty string, fits none.
-    /// @throws whatever GetInteger, GetInteger64 and GetFloat throw for the number's text.
+    /// @throws std::invalid_argument  and std::out_of_range as GetInteger, GetInteger64 and GetFloat do.
     KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name,
                                         std::int32_t& out);
     KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name,
@@ -130,8 +132,10 @@ public:
     KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name, float& out);
     KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name, bool& out);
     KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name, std::string& out);
+
+    /// Reads a member that is an array or an object; as above in all else.
     KELINS_API static void GetAttribute(const std::shared_ptr<Value>& value, const std::string& name,
-                                        std::shared_ptr<Value>& out); ///< an array or an object
+                                        std::shared_ptr<Value>& out);
 
     /// Resolves backslash escapes: quote, backslash, '/', b, f, n, r, t. Any other byte after a backslash keeps it, so
     /// "\u0041" stays as written; a single backslash at the very end is dropped.

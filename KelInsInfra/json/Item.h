@@ -17,7 +17,7 @@ public:
     void Write(std::ostream& out) const override;
     void WriteIndented(std::ostream& out, std::int32_t level) const override;
 
-    std::string_view Text() const { return text_; }
+    std::string_view Text() const { return text_; } ///< for the library itself: the text as it is kept
 
 private:
     const std::string_view text_;

@@ -23,6 +23,8 @@ public:
     std::uint64_t GetSize() const override;
     void WriteIndented(std::ostream& out, std::int32_t level) const override;
 
+    /// @cond  what follows is for the library itself, and not exported
+
     /// Stores a member under the key as Driver::RemoveJSONEscaping gives it. A key that is there already gets the new
     /// value and moves to the end.
     void Insert(std::string key, std::shared_ptr<Value> value);
@@ -39,6 +41,7 @@ public:
     /// For taking a document apart: the last child's place, null where none is left.
     std::shared_ptr<Value>* LastChild() noexcept;
     void DropLastChild() noexcept;
+    /// @endcond
 
 private:
     static constexpr std::size_t kNoHole = static_cast<std::size_t>(-1);

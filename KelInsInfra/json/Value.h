@@ -60,25 +60,34 @@ public:
     Value(const Value&) = delete;
     Value& operator=(const Value&) = delete;
 
+    /// What this is.
     KELINS_API_INLINE Type GetType() const { return type_; }
 
     /// The name of the type ("Object", "Array", "Number", "String", "True", "False", "Null"); "???" for any other.
     KELINS_API std::string GetTypeString() const;
 
+    /// Whether this is an object.
     KELINS_API_INLINE bool IsObject() const { return type_ == Type::Object; }
 
+    /// Whether this is an array.
     KELINS_API_INLINE bool IsArray() const { return type_ == Type::Array; }
 
+    /// Whether this is a number.
     KELINS_API_INLINE bool IsNumber() const { return type_ == Type::Number; }
 
+    /// Whether this is a string.
     KELINS_API_INLINE bool IsString() const { return type_ == Type::String; }
 
+    /// Whether this is null.
     KELINS_API_INLINE bool IsNull() const { return type_ == Type::Null; }
 
+    /// Whether this is true.
     KELINS_API_INLINE bool IsTrue() const { return type_ == Type::True; }
 
+    /// Whether this is false.
     KELINS_API_INLINE bool IsFalse() const { return type_ == Type::False; }
 
+    /// Whether this is true or false.
     KELINS_API_INLINE bool IsBoolean() const { return IsTrue() || IsFalse(); }
 
     /// Whether this is true. False, null, a string and all others give false.
@@ -127,6 +136,7 @@ public:
     KELINS_API static std::string EscapeString(const std::string& text);
 
 protected:
+    /// For the three classes of this library.
     explicit Value(Type type) : type_(type) {}
 
 private:

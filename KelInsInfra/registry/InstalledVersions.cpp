@@ -1,5 +1,5 @@
 #include <KelInsInfra/foundation/KelInsString.h>
-#include <KelInsInfra/foundation/internal/WindowsApi.h>
+#include <KelInsInfra/foundation/internal/SystemLibrary.h>
 #include <KelInsInfra/registry/KelInsMSI.h>
 #include <algorithm>
 #include <array>
@@ -17,7 +17,7 @@ HMODULE InstallerLibrary()
 {
     static std::atomic<HMODULE> library; // two first calls at once both load it, which is harmless
     if (library == nullptr)
-        library = ::LoadLibraryExW(L"msi.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+        library = LoadSystemLibrary(L"msi.dll");
     return library;
 }
 
@@ -36,11 +36,10 @@ struct Answer
 template <typename Function, typename... Arguments>
 Answer CallInstaller(const char* name, Arguments... arguments)
 {
-    const HMODULE library = InstallerLibrary();
-    const FARPROC address = library == nullptr ? nullptr : ::GetProcAddress(library, name);
-    if (address == nullptr)
+    const auto function = FindEntry<Function*>(InstallerLibrary(), name);
+    if (function == nullptr)
         return {::GetLastError(), false};
-    return {reinterpret_cast<Function*>(reinterpret_cast<void*>(address))(arguments...), true};
+    return {function(arguments...), true};
 }
 
 Version ListingFailure(const Answer& answer, const std::string& upgradeCode)

@@ -12,8 +12,10 @@ namespace KelInsMSI {
 /// One product found by GetVersion, or one failure on the way.
 struct Version
 {
+    /// A product. Implicit.
     Version(std::string foundVersion) : version(std::move(foundVersion)) {}
 
+    /// A failure.
     Version(std::string failure, std::string place, std::int32_t code)
         : message(std::move(failure)), detail(std::move(place)), errorCode(code)
     {}
@@ -28,27 +30,23 @@ struct Version
 ///
 /// @param upgradeCode  the line's upgrade code: a GUID in braces with its dashes, 38 characters.
 /// @return an entry for each product, empty when there is none. At most 99 entries: products beyond are not listed.
-///         What fails makes an entry of its own, and the listing goes on, but for status 87 which ends it:
 ///
-///         status of   | code  | message and detail
-///         ------------|-------|-------------------
-///         listing     | 1610  | "The configuration data is corrupt"
-///                     |       | "Invalid value in HKEY_CLASSES_ROOT\Installer\UpgradeCodes\<packed upgrade code>"
-///         listing     | 87    | "An invalid parameter was passed to the function"
-///                     |       | "Invalid Upgrade Code: <upgrade code>"
-///         listing     | other | "MsiEnumRelatedProducts failed"
-///                     |       | "Unknown error for Upgrade Code: <upgrade code>"
-///         a product   | 1605  | "The product is unadvertised or uninstalled"
-///                     |       | "Unknown key HKEY_CLASSES_ROOT\Installer\Products\<packed product code>"
-///         a product   | 1608  | "The property is unrecognized"
-///                     |       | "Invalid data in
-///                     HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Installer\ |       |
-///                     UserData\S-1-5-18\Products\<packed product code>" (without a break)
-///         a product   | other | "MsiGetProductInfo failed"
-///                     |       | "Unknown error for Product Code: <what the call left of the version>"
+/// What fails makes an entry of its own, and the listing goes on, but for status 87 which ends it. Its message and
+/// detail, by the status of the listing:
+/// - 1610: "The configuration data is corrupt",
+///   "Invalid value in HKEY_CLASSES_ROOT\Installer\UpgradeCodes\<packed upgrade code>"
+/// - 87: "An invalid parameter was passed to the function", "Invalid Upgrade Code: <upgrade code>"
+/// - any other: "MsiEnumRelatedProducts failed", "Unknown error for Upgrade Code: <upgrade code>"
 ///
-///         A version of 64 or more UTF-16 units is such another status (234). Where msi.dll cannot be loaded from the
-///         system directory, each listing has that failure's code.
+/// and by the status of asking one product for its version:
+/// - 1605: "The product is unadvertised or uninstalled",
+///   "Unknown key HKEY_CLASSES_ROOT\Installer\Products\<packed product code>"
+/// - 1608: "The property is unrecognized", "Invalid data in <key>\<packed product code>", where <key> is
+///   HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Installer\UserData\S-1-5-18\Products
+/// - any other: "MsiGetProductInfo failed", "Unknown error for Product Code: <what the call left of the version>"
+///
+/// A version of 64 or more UTF-16 units is such another status (234). Where msi.dll cannot be loaded from the system
+/// directory, each listing has that failure's code.
 /// Throws nothing but std::bad_alloc.
 KELINS_API std::vector<Version> GetVersion(const std::string& upgradeCode);
 

@@ -1,5 +1,6 @@
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/foundation/internal/KelInsException.h>
+#include <KelInsInfra/foundation/internal/SystemLibrary.h>
 #include <KelInsInfra/foundation/internal/UniqueHandle.h>
 #include <KelInsInfra/io/Path.h>
 #include <KelInsInfra/system/KelInsSys.h>
@@ -14,8 +15,11 @@ using UniqueEnvironment = UniqueHandle<wchar_t*, ::FreeEnvironmentStringsW>;
 
 std::vector<std::string> SplitCommandLine()
 {
+    const auto commandLineToArgv =
+        FindEntry<decltype(&::CommandLineToArgvW)>(LoadSystemLibrary(L"shell32.dll"), "CommandLineToArgvW");
     int count = 0;
-    wchar_t** const wideArguments = ::CommandLineToArgvW(::GetCommandLineW(), &count);
+    wchar_t** const wideArguments =
+        commandLineToArgv == nullptr ? nullptr : commandLineToArgv(::GetCommandLineW(), &count);
     if (wideArguments == nullptr) {
         const DWORD error = ::GetLastError();
         throw KelInsException("CommandLineToArgv failed.", error);

@@ -1,5 +1,5 @@
 #include <KelInsInfra/foundation/KelInsString.h>
-#include <KelInsInfra/foundation/internal/WindowsApi.h>
+#include <KelInsInfra/foundation/internal/SystemLibrary.h>
 #include <KelInsInfra/system/KelInsSys.h>
 #include <array>
 #include <atomic>
@@ -22,20 +22,6 @@ std::optional<OSVERSIONINFOEXW> AskVersion()
     if (!::GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&version))) // the longer record begins with the shorter one
         return std::nullopt;
     return version;
-}
-
-template <typename Function>
-Function FindEntry(HMODULE library, const char* name)
-{
-    if (library == nullptr)
-        return nullptr;
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(library, name)));
-}
-
-/// From the system's own directory alone, so that nobody can put another one in its place; stays loaded.
-HMODULE LoadSecurityLibrary()
-{
-    return ::LoadLibraryExW(L"secur32.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
 }
 
 } // namespace
@@ -98,7 +84,7 @@ std::string GetUsername()
 {
     static std::atomic<decltype(&::GetUserNameExW)> entry; // found once; a failure is tried again at the next call
     if (entry == nullptr)
-        entry = FindEntry<decltype(&::GetUserNameExW)>(LoadSecurityLibrary(), "GetUserNameExW");
+        entry = FindEntry<decltype(&::GetUserNameExW)>(LoadSystemLibrary(L"secur32.dll"), "GetUserNameExW");
     const auto getUserNameEx = entry.load();
     std::array<wchar_t, 257> buffer{};
     auto units = static_cast<ULONG>(buffer.size());

@@ -14,18 +14,19 @@ class KELINS_API Comment final : public Content
     };
 
 public:
-    Comment(Token, std::string comment);
-    Comment(Comment&&) = default;
-    Comment& operator=(Comment&&) = default;
+    Comment(Token, std::string comment);     ///< what Create calls: nobody else has a Token
+    Comment(Comment&&) = default;            ///< other is then fit only to be assigned or destroyed
+    Comment& operator=(Comment&&) = default; ///< likewise
 
+    /// A node with this text, taken as it is.
     static std::shared_ptr<Comment> Create(const std::string& comment);
     static std::shared_ptr<Comment> Create(std::string&& comment);
 
     std::shared_ptr<Content> Clone() const override;
     ContentType GetType() const override; ///< ContentComment
 
-    std::string GetComment() const;
-    void SetComment(const std::string& comment);
+    std::string GetComment() const;              ///< the text
+    void SetComment(const std::string& comment); ///< takes any text as it is
 
 private:
     friend class Parser;

@@ -26,15 +26,15 @@ class KELINS_API Content
 {
 public:
     Content() = default;
-    Content(Content&&) = default;
-    Content& operator=(Content&&) = default;
+    Content(Content&&) = default;            ///< nodes can be moved,
+    Content& operator=(Content&&) = default; ///< but are copied by Clone alone
 
     /// A new node equal to this one that shares nothing with it; deep for elements.
     virtual std::shared_ptr<Content> Clone() const = 0;
 
     virtual ~Content();
 
-    virtual ContentType GetType() const = 0;
+    virtual ContentType GetType() const = 0; ///< which of the three this is
 };
 
 /// Nodes in document order.

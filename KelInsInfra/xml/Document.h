@@ -14,7 +14,7 @@ class Document
     };
 
 public:
-    KELINS_API explicit Document(Token);
+    KELINS_API explicit Document(Token); ///< what Parser calls: nobody else has a Token
     KELINS_API ~Document();
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;

@@ -25,8 +25,8 @@ class KELINS_API Element final : public Content
 public:
     using Attribute = std::pair<std::string, std::string>; ///< name and value, unescaped
 
-    Element(Token, std::string name);
-    Element(Element&& other) noexcept;
+    Element(Token, std::string name);             ///< what Create calls: nobody else has a Token
+    Element(Element&& other) noexcept;            ///< other is left without name, attributes and content
     Element& operator=(Element&& other) noexcept; ///< other may be a descendant of this element
     ~Element() override;
 
@@ -38,11 +38,11 @@ public:
     std::shared_ptr<Content> Clone() const override;
     ContentType GetType() const override; ///< ContentElement
 
-    std::string GetName() const;
-    void SetName(const std::string& name);
+    std::string GetName() const;           ///< with its prefix, if it has one
+    void SetName(const std::string& name); ///< takes any text as it is
 
-    std::vector<Attribute> GetAttributes() const;
-    bool HasAttribute(const std::string& name) const;
+    std::vector<Attribute> GetAttributes() const;     ///< copies, in their order
+    bool HasAttribute(const std::string& name) const; ///< whether there is one, even with an empty value
 
     /// The attribute's value, possibly empty; defaultValue only where there is no such attribute.
     std::string GetAttributeValue(const std::string& name, const std::string& defaultValue) const;
@@ -71,7 +71,7 @@ public:
     /// The same with each child text trimmed on its own (Text::GetTextTrim): "a " and " b" give "ab".
     std::string GetTextTrim() const;
 
-    void RemoveAllContent();
+    void RemoveAllContent(); ///< removes elements, texts and comments; attributes stay
 
     /// Removes the first child element of that name.
     /// @return false where there is none.

@@ -42,6 +42,7 @@ class ChunkSource;
 class Parser
 {
 public:
+    /// Which quotes an attribute's value stands in; for the parser itself.
     enum class AttributeValueDelimiter : std::int32_t
     {
         SingleQuote = 0,
@@ -60,24 +61,24 @@ public:
 
     /// The document; without a root element, and without an error, where the text has no element.
     ///
-    /// @throws XML::Exception  <message> (line <line>)\n, the line counted by the line feeds before the error, with
-    ///         one of the messages (<byte> is one byte of the text)
-    ///         "Unexpected end of file"
-    ///         "Text found outside of the root Element"
-    ///         "Malformed attribute: <name>"
-    ///         "Opening delimiter not found for attribute <name>"
-    ///         "Closing delimiter not found for attribute <name>"
-    ///         "Unexpected opening tag <name> after end of XML tree"
-    ///         "Malformed opening tag: <name>. Missing closing >"
-    ///         "Malformed opening tag"
-    ///         "Malformed closing tag: <name>"
-    ///         "Malformed closing tag"
-    ///         "Closing tag for <name> is not open"
-    ///         "Unexpected closing tag: <name> instead of <name of the open element>"
-    ///         "Not all opened tags are closed (<count> remaining)"
-    ///         "Buffer too long. Make sure the file was opened in binary mode"
-    ///         "Unexpected character '<byte>' found in character reference"
-    ///         "Unknown reference starting with <byte>"
+    /// @throws XML::Exception  "<message> (line <line>)\n", the line counted by the line feeds before the error, with
+    ///         one of the messages (<byte> is one byte of the text):
+    ///         - "Unexpected end of file"
+    ///         - "Text found outside of the root Element"
+    ///         - "Malformed attribute: <name>"
+    ///         - "Opening delimiter not found for attribute <name>"
+    ///         - "Closing delimiter not found for attribute <name>"
+    ///         - "Unexpected opening tag <name> after end of XML tree"
+    ///         - "Malformed opening tag: <name>. Missing closing >"
+    ///         - "Malformed opening tag"
+    ///         - "Malformed closing tag: <name>"
+    ///         - "Malformed closing tag"
+    ///         - "Closing tag for <name> is not open"
+    ///         - "Unexpected closing tag: <name> instead of <name of the open element>"
+    ///         - "Not all opened tags are closed (<count> remaining)"
+    ///         - "Buffer too long. Make sure the file was opened in binary mode"
+    ///         - "Unexpected character '<byte>' found in character reference"
+    ///         - "Unknown reference starting with <byte>"
     /// @throws std::range_error  "bad conversion" for a reference to a number above 0x10FFFF.
     KELINS_API std::unique_ptr<Document> Parse();
 

@@ -14,18 +14,19 @@ class KELINS_API Text final : public Content
     };
 
 public:
-    Text(Token, std::string text);
-    Text(Text&&) = default;
-    Text& operator=(Text&&) = default;
+    Text(Token, std::string text);     ///< what Create calls: nobody else has a Token
+    Text(Text&&) = default;            ///< other is then fit only to be assigned or destroyed
+    Text& operator=(Text&&) = default; ///< likewise
 
+    /// A node with this text, taken as it is.
     static std::shared_ptr<Text> Create(const std::string& text);
     static std::shared_ptr<Text> Create(std::string&& text);
 
     std::shared_ptr<Content> Clone() const override;
     ContentType GetType() const override; ///< ContentText
 
-    std::string GetText() const;
-    void SetText(const std::string& text);
+    std::string GetText() const;           ///< the text
+    void SetText(const std::string& text); ///< takes any text as it is
 
     /// The text without its leading and trailing spaces, tabs, carriage returns and line feeds; empty where there is
     /// nothing else. Other white space (form feed, non-breaking space) stays.

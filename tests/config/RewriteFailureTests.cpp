@@ -9,6 +9,7 @@
 #include <KelInsInfra/foundation/KelInsSys.h>
 #include <KelInsInfra/io/KelInsIO.h>
 #include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <memory>
@@ -32,6 +33,8 @@ using GetSizeHook = ImportHook<BOOL(HANDLE, PLARGE_INTEGER)>;
 using StatHook = ImportHook<int(const wchar_t*, void*)>;
 using CreateFileHook = ImportHook<HANDLE(LPCWSTR, DWORD, DWORD, void*, DWORD, DWORD, HANDLE)>;
 using IdentifyHook = ImportHook<BOOL(HANDLE, void*)>;
+using FileTimeHook = ImportHook<BOOL(HANDLE, FILETIME*, FILETIME*, FILETIME*)>;
+using RecordHook = ImportHook<BOOL(LPCWSTR, GET_FILEEX_INFO_LEVELS, void*)>;
 
 /// One of the two functions, at work on a file of its own.
 struct Rewriter
@@ -326,6 +329,25 @@ Failure WriteShort(std::size_t n)
                                 {kCppRuntime});
 }
 
+/// Files look like links, whose size is their own.
+Failure ShowLinks()
+{
+    return ChangeNth<RecordHook>(
+        "GetFileAttributesExW", 0,
+        [](const RecordHook& hook, bool, LPCWSTR path, GET_FILEEX_INFO_LEVELS level, void* record) {
+            const BOOL result = hook.CallOriginal(path, level, record);
+            auto* data = static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(record);
+            data->dwFileAttributes |= FILE_ATTRIBUTE_REPARSE_POINT;
+            data->nFileSizeLow = 0;
+            return result;
+        });
+}
+
+Failure Both(Failure first, Failure second)
+{
+    return std::make_shared<std::pair<Failure, Failure>>(std::move(first), std::move(second));
+}
+
 std::vector<FailureCase> FailureCases()
 {
     return {
@@ -342,9 +364,6 @@ std::vector<FailureCase> FailureCases()
          [](auto&) { return FailNth<ReadFileHook>("ReadFile", 2, FALSE, LastError(ERROR_CRC), {kCRuntime}); },
          Text::FailedToReadFile, "old", "missing", true},
         // writing the temporary file
-        {"RemoveLeftover",
-         [](auto&) { return FailNth<DeleteFileHook>("DeleteFileW", 1, FALSE, LastError(ERROR_ACCESS_DENIED)); },
-         Text::None, "new", "missing", true},
         {"OpenTemporary", [](auto&) { return FailOpen(2); }, Text::FailedToOpenTemporary, "old", "missing", true},
         {"OpenTemporaryAsStream",
          [](auto&) { return FailNth<FdopenHook>("_fdopen", 2, nullptr, Errno(EMFILE), {kCppRuntime}); },
@@ -354,7 +373,7 @@ std::vector<FailureCase> FailureCases()
          Text::FailedToWriteTemporary, "old", "0 bytes", true},
         {"WriteTemporaryLaterBlock",
          [](auto&) { return FailNth<WriteFileHook>("WriteFile", 2, FALSE, LastError(ERROR_DISK_FULL), {kCRuntime}); },
-         Text::FailedToWriteTemporary, "old", "65536 bytes", true},
+         Text::FailedToWriteTemporary, "old", "32768 bytes", true},
         {"WriteTemporaryShort", [](auto&) { return WriteShort(1); }, Text::None, "new", "missing", true},
         {"CloseTemporary", [](auto&) { return CloseWithFailure(2); }, Text::FailedToWriteTemporary, "old", "new", true},
         // the copy
@@ -364,14 +383,15 @@ std::vector<FailureCase> FailureCases()
          Text::CannotCreateDirectory, "old", "new", false},
         {"RecordOfTemporary", [](auto&) { return FailNth<StatHook>("_wstat64", 2, -1, Errno(ENOENT)); },
          Text::CannotStatTemporary, "old", "new", false},
-        {"IdentityOfTemporary",
+        {"OpenToIdentify",
          [](auto&) {
              return FailNth<CreateFileHook>("CreateFileW", 1, INVALID_HANDLE_VALUE, LastError(ERROR_ACCESS_DENIED));
          },
          Text::None, "new", "missing", true},
         {"IdentityOfFile",
          [](auto&) {
-             return FailNth<IdentifyHook>("GetFileInformationByHandle", 2, FALSE, LastError(ERROR_ACCESS_DENIED));
+             return Both(FailNth<FileTimeHook>("GetFileTime", 1, FALSE, LastError(ERROR_ACCESS_DENIED)),
+                         FailNth<IdentifyHook>("GetFileInformationByHandle", 2, FALSE, LastError(ERROR_ACCESS_DENIED)));
          },
          Text::None, "new", "missing", true},
         {"OpenTemporaryForCopy", [](auto&) { return FailOpen(3); }, Text::CannotReadTemporary, "old", "new", false},
@@ -387,17 +407,24 @@ std::vector<FailureCase> FailureCases()
         {"CopyWritesNothingAtAllUnnoticed", [](auto&) { return FailNth<WriteHook>("_write", 3, 0, NoCode()); },
          Text::FailedToWriteFile, "131072 bytes", "new", false},
         {"SizeAfterCopy",
-         [](auto&) { return FailNth<GetSizeHook>("GetFileSizeEx", 1, FALSE, LastError(ERROR_ACCESS_DENIED)); },
+         [](auto&) { return FailNth<RecordHook>("GetFileAttributesExW", 1, FALSE, LastError(ERROR_ACCESS_DENIED)); },
          Text::FailedToWriteFile, "new", "new", false},
-        {"OpenForSizeAfterCopy",
+        {"SizeOfALinkAfterCopy", [](auto&) { return ShowLinks(); }, Text::None, "new", "missing", true},
+        {"SizeBehindALinkAfterCopy",
          [](auto&) {
-             return FailNth<CreateFileHook>("CreateFileW", 3, INVALID_HANDLE_VALUE, LastError(ERROR_ACCESS_DENIED));
+             return Both(ShowLinks(), FailNth<GetSizeHook>("GetFileSizeEx", 1, FALSE, LastError(ERROR_ACCESS_DENIED)));
+         },
+         Text::FailedToWriteFile, "new", "new", false},
+        {"OpenForSizeBehindALinkAfterCopy",
+         [](auto&) {
+             return Both(ShowLinks(), FailNth<CreateFileHook>("CreateFileW", 3, INVALID_HANDLE_VALUE,
+                                                              LastError(ERROR_ACCESS_DENIED)));
          },
          Text::FailedToWriteFile, "new", "new", false},
         // tidying up
         {"TypeOfTemporaryAtTheEnd", [](auto& r) { return FailAttributes(r, 3); }, Text::None, "new", "new", true},
         {"DeleteTemporary",
-         [](auto&) { return FailNth<DeleteFileHook>("DeleteFileW", 2, FALSE, LastError(ERROR_ACCESS_DENIED)); },
+         [](auto&) { return FailNth<DeleteFileHook>("DeleteFileW", 1, FALSE, LastError(ERROR_ACCESS_DENIED)); },
          Text::None, "new", "new", true},
         {"ReadAttributesAtTheEnd", [](auto& r) { return FailAttributes(r, 4); }, Text::None, "new", "missing", false},
         {"SetAttributesAtTheEnd",
@@ -482,10 +509,9 @@ TEST_P(RewriteProtocol, AFileThatStaysReadOnlyIsNeverDamaged)
     }
 }
 
-TEST_P(RewriteProtocol, MakesItsCallsInTheirOrder)
+/// What a rewriting opens, deletes and protects, in order.
+std::vector<std::string> CallsOf(const Scene& scene)
 {
-    const Scene scene(GetParam());
-    ASSERT_TRUE(KelInsIO::SetReadOnly(scene.File(), true));
     std::vector<std::string> order;
     const auto note = [&order](const char* what, const wchar_t* path) {
         order.push_back(std::string(what) +
@@ -497,7 +523,7 @@ TEST_P(RewriteProtocol, MakesItsCallsInTheirOrder)
     });
     const auto opening = ChangeNth<WsopenHook>(
         "_wsopen_s", 0, [note](auto& hook, bool, int* file, const wchar_t* path, int flags, int share, int mode) {
-            note("open", path);
+            note((flags & _O_EXCL) != 0 ? "create" : "open", path);
             return hook.CallOriginal(file, path, flags, share, mode);
         });
     const auto attributes =
@@ -506,10 +532,36 @@ TEST_P(RewriteProtocol, MakesItsCallsInTheirOrder)
             return hook.CallOriginal(path, value);
         });
     EXPECT_EQ(scene.Rewrite(), "");
-    const std::vector<std::string> expected = {"open file",        "delete temporary", "open temporary",
-                                               "unprotect file",   "open temporary",   "open file",
-                                               "delete temporary", "protect file"};
-    EXPECT_EQ(order, expected);
+    return order;
+}
+
+TEST_P(RewriteProtocol, MakesItsCallsInTheirOrder)
+{
+    const Scene scene(GetParam());
+    ASSERT_TRUE(KelInsIO::SetReadOnly(scene.File(), true));
+    const std::vector<std::string> expected = {"open file", "create temporary", "unprotect file", "open temporary",
+                                               "open file", "delete temporary", "protect file"};
+    EXPECT_EQ(CallsOf(scene), expected);
+}
+
+TEST_P(RewriteProtocol, RemovesALeftoverBeforeItMakesItsOwn)
+{
+    const Scene scene(GetParam());
+    MakeFile(scene.Temporary(), "left over");
+    const std::vector<std::string> expected = {"open file",       "create temporary", "delete temporary",
+                                               "open temporary",  "open temporary",   "open file",
+                                               "delete temporary"};
+    EXPECT_EQ(CallsOf(scene), expected);
+}
+
+TEST_P(RewriteProtocol, OverwritesALeftoverThatCannotBeRemoved)
+{
+    const Scene scene(GetParam());
+    MakeFile(scene.Temporary(), std::string(1'000'000, 'x'));
+    Failure hook = FailNth<DeleteFileHook>("DeleteFileW", 1, FALSE, LastError(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(scene.Rewrite(), "");
+    EXPECT_EQ(scene.StateOf(scene.File()), "new");
+    EXPECT_EQ(scene.StateOf(scene.Temporary()), "missing");
 }
 
 /// One that cannot be asked about is not taken for a missing one, and overwritten.

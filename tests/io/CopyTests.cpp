@@ -171,6 +171,8 @@ TEST_F(CopyTest, OntoAHardLinkOfItselfThrowsAndKeepsTheContent)
     EXPECT_EQ(FileContent(source), "content");
 }
 
+using FileTimeFunction = BOOL(HANDLE, FILETIME*, FILETIME*, FILETIME*);
+
 struct IdentityCase
 {
     const char* label;
@@ -193,6 +195,10 @@ class CopyIdentity : public CopyTest, public testing::WithParamInterface<Identit
 TEST_P(CopyIdentity, IsVolumeAndBothHalvesOfTheIndex)
 {
     MakeFile(destination);
+    const ImportHook<FileTimeFunction> equalTimes("GetFileTime", [](HANDLE, FILETIME* creation, FILETIME*, FILETIME*) {
+        *creation = {};
+        return TRUE;
+    });
     using Hook = ImportHook<BOOL(HANDLE, LPBY_HANDLE_FILE_INFORMATION)>;
     Hook hook("GetFileInformationByHandle", [&](HANDLE, LPBY_HANDLE_FILE_INFORMATION identity) {
         const IdentityCase& c = GetParam();
@@ -210,6 +216,19 @@ TEST_P(CopyIdentity, IsVolumeAndBothHalvesOfTheIndex)
 
 INSTANTIATE_TEST_SUITE_P(Table, CopyIdentity, testing::ValuesIn(kIdentities),
                          [](const auto& test) { return std::string(test.param.label); });
+
+TEST_F(CopyTest, FilesMadeAtDifferentTimesAreDifferent)
+{
+    MakeFile(destination);
+    ImportHook<FileTimeFunction> times("GetFileTime", [&](HANDLE, FILETIME* creation, FILETIME*, FILETIME*) {
+        *creation = {static_cast<DWORD>(times.Calls().size()), 0};
+        return TRUE;
+    });
+    const ImportHook<BOOL(HANDLE, LPBY_HANDLE_FILE_INFORMATION)> identities("GetFileInformationByHandle");
+    KelInsIO::Copy(source, destination);
+    EXPECT_EQ(times.Calls().size(), 2u);
+    EXPECT_TRUE(identities.Calls().empty()); // takes the system longer
+}
 
 TEST_F(CopyTest, SourceInUseByAWriterThrows)
 {

@@ -219,6 +219,7 @@ TEST(CopyFailure, FilesThatCannotBeIdentifiedAreNotCompared)
 TEST(CopyFailure, IdentifiesWithoutWritingAndSharesReadAndWrite)
 {
     const Place place;
+    MakeFile(place.New(), "other");
     ImportHook<CreateFileFunction> hook("CreateFileW");
     KelInsIO::Copy(place.File(), place.New());
     ASSERT_EQ(hook.Calls().size(), 2u);

@@ -521,7 +521,7 @@ TEST(FileStreams, NothingStaysOpenWhenTheEndCannotBeFound)
 /// Stands for malloc, and has no memory for the buffer of a stream. (An ImportHook would need memory to note the call.)
 void* AllocateSmall(std::size_t size)
 {
-    return size == 65536 ? nullptr : std::malloc(size);
+    return size == 32768 ? nullptr : std::malloc(size);
 }
 
 TEST(FileStreams, NothingStaysOpenWithoutMemoryForTheBuffer)

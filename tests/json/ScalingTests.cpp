@@ -17,7 +17,7 @@ using JSON::Driver;
 
 void ExpectLinear(std::size_t size, const std::function<void(std::size_t)>& work)
 {
-    EXPECT_LT(GrowthFactor([&] { work(size / 4); }, [&] { work(size); }), 6);
+    EXPECT_LT(GrowthFactor([&] { work(size / 4); }, [&] { work(size); }), kGrowthLimit);
 }
 
 void ParseAll(const std::string& text)

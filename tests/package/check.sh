@@ -1,33 +1,98 @@
 #!/usr/bin/env bash
-# check.sh BUILD_FOLDER: installs what was built there into an empty folder, moves that folder, builds the consumer project
-# against it, and runs its programs under Wine with nothing but the installed DLLs beside them.
+# check.sh BUILD_FOLDER: makes every kind of package of what was built there: an installed folder (moved afterwards), the ZIP, and the
+# Windows installer, which is run silently under Wine. Builds the consumer project against each of them, with the shared and with the
+# static library, and runs its programs with nothing but what the package put beside them.
 set -euo pipefail
 build=$1
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 root=$(cd "$here/../.." && pwd)
 work=$build/package
-expected='C:\Orchard\bin\pear.exe ok a\=b \'
+wine=$root/scripts/wine.sh
+prefix=${KELINS_WINEPREFIX:-$root/build/wineprefix}
+sdk='C:\KelInsSdkTest' # where the installer puts it
+uninstall_key='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\KelInsInfra'
+export SOURCE_DATE_EPOCH=1700000000 # so that all kinds must be the same to the last byte
+expected='C:\Orchard\bin\pear.exe ok a\=b \
+ba7816bf 36 {"a": [1, true]} <a/>
+GetRootKeyHandleFromString - HKXX
+0 1'
+
+fail() {
+    echo "FAILED: $*"
+    exit 1
+}
+
+run() { # PROGRAM ARGUMENT...: its output, with line feeds
+    "$wine" "$@" </dev/null | tr -d '\r'
+}
+
+check_consumer() { # NAME FOLDER: builds against the package there and runs the programs
+    local name=$1 folder=$2 kind
+    cmake -S "$here" -B "$work/$name-build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_STANDARD=20 \
+        -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64.cmake" -DCMAKE_PREFIX_PATH="$folder" >"$work/log"
+    cmake --build "$work/$name-build" >"$work/log" || { cat "$work/log"; fail "the consumer does not build against $name"; }
+    for kind in shared static; do
+        [ "$(run "$work/$name-build/$kind/consumer_$kind.exe")" = "$expected" ] || fail "consumer_$kind of $name prints something else"
+    done
+    [ "$(ls "$work/$name-build/static")" = consumer_static.exe ] || fail "the static consumer is not alone"
+    python3 "$here/check_bill.py" "$folder"
+    echo "$name: consumer built and run, shared and static"
+}
+
+check_properties() { # FILE DESCRIPTION
+    local wanted="ProductName: KelInsInfra
+ProductVersion: $version
+FileVersion: $version
+FileDescription: $2
+CompanyName: The KelInsInfra authors"
+    [ "$(run "$work/properties.exe" "Z:$1")" = "$wanted" ] || fail "the properties of $1"
+}
 
 rm -rf "$work" && mkdir -p "$work"
-cmake --install "$build" --prefix "$work/first" >"$work/install.log"
-mv "$work/first" "$work/installed" # the package must be relocatable
-if grep -rIl "$build" "$work/installed" --include='*.cmake' --include='*.pc'; then
-    echo "the files above name the build folder"
-    exit 1
-fi
 
-cmake -S "$here" -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-    -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64.cmake" -DCMAKE_PREFIX_PATH="$work/installed" >"$work/configure.log"
-cmake --build "$work/build" >"$work/build.log" || { cat "$work/build.log"; exit 1; }
-
-mkdir "$work/alone" # the static one must run without any DLL of ours or of the compiler
-mv "$work/build/consumer_static.exe" "$work/alone/"
-mv "$work/build/consumer_shared.exe" "$work/installed/bin/"
-for program in "$work/alone/consumer_static.exe" "$work/installed/bin/consumer_shared.exe"; do
-    actual=$("$root/scripts/wine.sh" "$program" </dev/null | tr -d '\r')
-    if [ "$actual" != "$expected" ]; then
-        printf '%s printed "%s" instead of "%s"\n' "$(basename "$program")" "$actual" "$expected"
-        exit 1
-    fi
-    echo "$(basename "$program") runs"
+# An installed folder: relocatable, debug symbols apart but usable.
+cmake --install "$build" --prefix "$work/first" >"$work/log"
+mv "$work/first" "$work/installed"
+! grep -rlE "$build|$root" "$work/installed" || fail "the files above name folders of this machine"
+check_consumer installed "$work/installed"
+version=$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")/\1/p' "$work/installed"/lib/cmake/KelInsInfra/KelInsInfraConfigVersion.cmake)
+for dll in "$work"/installed/bin/*.dll; do
+    ! x86_64-w64-mingw32-objdump -h "$dll" | grep -q '\.debug_' || fail "$dll has debug symbols"
 done
+x86_64-w64-mingw32-objdump -s --section=.gnu_debuglink "$work/installed/bin/KelInsInfra.dll" | grep -q KelInsInf || fail "no link to the symbols"
+code=$(x86_64-w64-mingw32-objdump -t "$work/installed/bin/KelInsInfra.dll.debug" | grep -c 'KelInsIO.*Path') || true
+[ "$code" -gt 10 ] || fail "the debug symbols do not name our functions"
+x86_64-w64-mingw32-objdump -h "$work/installed/bin/KelInsInfra.dll.debug" | grep -q '\.debug_line' || fail "the debug symbols have no lines"
+
+# The same by pkg-config's files.
+pc() { PKG_CONFIG_LIBDIR=$work/installed/lib/pkgconfig pkg-config "$@"; }
+for name in KelInsInfra KelInsInfraStatic; do
+    # shellcheck disable=SC2046 # several options
+    x86_64-w64-mingw32-g++-posix "$here/consumer.cpp" -o "$work/installed/bin/$name.exe" $(pc --cflags --libs $name)
+    [ "$(run "$work/installed/bin/$name.exe")" = "$expected" ] || fail "$name by pkg-config"
+    rm "$work/installed/bin/$name.exe"
+done
+echo "pkg-config: both"
+
+# ZIP and installer, with their sums.
+cpack --config "$build/CPackConfig.cmake" -B "$work/packages" >"$work/log" || { cat "$work/log"; fail "cpack"; }
+(cd "$work/packages" && sha256sum --check --quiet ./*.zip.sha256 ./*.exe.sha256)
+mkdir "$work/zip" && (cd "$work/zip" && cmake -E tar x "$work"/packages/KelInsInfra-*.zip)
+check_consumer zip "$work"/zip/KelInsInfra-*
+diff -r "$work/installed" "$work"/zip/KelInsInfra-* || fail "the ZIP differs from what is installed"
+
+# shellcheck disable=SC2064 # the names as they are now
+trap "rm -rf '$prefix/drive_c/KelInsSdkTest'" EXIT
+installer=$(ls "$work"/packages/KelInsInfra-*.exe)
+"$wine" "$installer" /S "/D=$sdk" </dev/null
+check_consumer installer "$prefix/drive_c/KelInsSdkTest"
+diff -r --exclude=Uninstall.exe "$work/installed" "$prefix/drive_c/KelInsSdkTest" || fail "what the installer installs differs"
+"$wine" reg query "$uninstall_key" /v DisplayVersion </dev/null | grep -q "$version" || fail "Windows does not list the SDK"
+"$wine" "$sdk\\Uninstall.exe" /S "_?=$sdk" </dev/null
+[ "$(ls "$prefix/drive_c/KelInsSdkTest")" = Uninstall.exe ] || fail "the uninstaller leaves files"
+! "$wine" reg query "$uninstall_key" </dev/null >/dev/null 2>&1 || fail "Windows still lists the SDK"
+
+x86_64-w64-mingw32-g++-posix -static "$here/properties.cpp" -o "$work/properties.exe" -lversion
+check_properties "$work/installed/bin/KelInsInfra.dll" "$(sed -n 's/^Description: //p' "$work/installed/lib/pkgconfig/KelInsInfra.pc")"
+check_properties "$installer" "Installer of the KelInsInfra SDK"
+echo "properties: of the DLL and of the installer"

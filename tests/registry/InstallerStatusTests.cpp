@@ -45,6 +45,7 @@ public:
 
     std::vector<Listing> listings; ///< by index; beyond them the last one again
     std::map<std::wstring, Information> products;
+    std::string missing;                      ///< a function that msi.dll lacks
     std::vector<DWORD> indexes;               ///< those asked for
     std::vector<std::wstring> upgradeCodes;   ///< likewise
     std::vector<std::wstring> askedProducts;  ///< likewise
@@ -83,6 +84,10 @@ private:
 
     FARPROC Find(HMODULE module, LPCSTR name) const
     {
+        if (name == missing) {
+            ::SetLastError(ERROR_PROC_NOT_FOUND);
+            return nullptr;
+        }
         if (std::string(name) == "MsiEnumRelatedProductsW")
             return Address(&EnumRelatedProducts);
         if (std::string(name) == "MsiGetProductInfoW")
@@ -293,6 +298,19 @@ TEST(InstallerLibraryIsolated, FailureToLoadIsTheStatusOfEachListingAndTriedAgai
     EXPECT_EQ(loading.Calls().size(), 99U);
 }
 
+TEST(InstallerLibraryIsolated, FailureToLoadIsNeverTakenForAnAnswer)
+{
+    for (const DWORD code : {DWORD{ERROR_INVALID_PARAMETER}, DWORD{ERROR_NO_MORE_ITEMS}, DWORD{ERROR_UNKNOWN_PRODUCT},
+                             DWORD{ERROR_UNKNOWN_PROPERTY}, DWORD{ERROR_BAD_CONFIGURATION}}) {
+        ImportHook<HMODULE(LPCWSTR, HANDLE, DWORD)> loading("LoadLibraryExW");
+        loading.FailFrom(1, nullptr, LastError(code));
+        const Version failed("MsiEnumRelatedProducts failed",
+                             std::string("Unknown error for Upgrade Code: ") + kUpgradeCode,
+                             static_cast<std::int32_t>(code));
+        EXPECT_TRUE(GetVersion(kUpgradeCode) == Versions(99, failed)) << code;
+    }
+}
+
 TEST(InstallerLibraryIsolated, ServesAfterAFailureToLoad)
 {
     ImportHook<HMODULE(LPCWSTR, HANDLE, DWORD)> loading("LoadLibraryExW");
@@ -310,6 +328,14 @@ TEST(InstallerLibrary, MissingFunctionIsTheStatusOfEachListing)
     const Version failed("MsiEnumRelatedProducts failed",
                          std::string("Unknown error for Upgrade Code: ") + kUpgradeCode, ERROR_PROC_NOT_FOUND);
     EXPECT_EQ(GetVersion(kUpgradeCode), Versions(99, failed));
+}
+
+TEST_F(InstallerStatus, MissingFunctionForProductsIsTheStatusOfEachProduct)
+{
+    installer_.listings = {{0, kPear}, {0, kApple}, {ERROR_NO_MORE_ITEMS, L""}};
+    installer_.missing = "MsiGetProductInfoW";
+    const Version failed("MsiGetProductInfo failed", "Unknown error for Product Code: ", ERROR_PROC_NOT_FOUND);
+    EXPECT_EQ(Ask(), Versions(2, failed));
 }
 
 TEST(HasFoundVersion, OnlyAnEntryWithoutErrorCounts)

@@ -8,6 +8,7 @@
 #include <KelInsInfra/io/Path.h>
 #include <KelInsInfra/system/KelInsSys.h>
 #include <KelInsInfra/system/ProcessBuilder.h>
+#include <atomic>
 #include <cwchar>
 #include <filesystem>
 #include <fstream>
@@ -24,11 +25,45 @@ using testing::Contains;
 using testing::ElementsAre;
 using Arguments = std::vector<std::string>;
 using CommandLineHook = ImportHook<LPWSTR()>;
-using SplitHook = ImportHook<LPWSTR*(LPCWSTR, int*)>;
+using LoadHook = ImportHook<HMODULE(LPCWSTR, HANDLE, DWORD)>;
+using EntryHook = ImportHook<FARPROC(HMODULE, LPCSTR)>;
 using LocalFreeHook = ImportHook<HLOCAL(HLOCAL)>;
 using ModuleNameHook = ImportHook<DWORD(HMODULE, LPWSTR, DWORD)>;
 using EnvironmentHook = ImportHook<LPWCH()>;
 using FreeEnvironmentHook = ImportHook<BOOL(LPWCH)>;
+
+/// Stands between the library and the system's splitting of the command line. One at a time.
+class SplitHook
+{
+public:
+    std::atomic<unsigned> calls = 0;
+    std::vector<DWORD> failures; ///< codes of the first calls, which fail
+    DWORD delay = 0;             ///< of each call, in milliseconds
+
+    SplitHook() { current_ = this; }
+
+private:
+    static LPWSTR* WINAPI Split(LPCWSTR text, int* count)
+    {
+        ::Sleep(current_->delay);
+        const unsigned call = current_->calls++;
+        if (call < current_->failures.size()) {
+            ::SetLastError(current_->failures[call]);
+            return nullptr;
+        }
+        return current_->original_(text, count);
+    }
+
+    static inline SplitHook* current_ = nullptr;
+    decltype(&Split) original_ = nullptr;
+    EntryHook hook_{"GetProcAddress", [this](HMODULE library, LPCSTR entry) {
+                        const FARPROC found = hook_.CallOriginal(library, entry);
+                        if (std::string(entry) != "CommandLineToArgvW")
+                            return found;
+                        original_ = reinterpret_cast<decltype(&Split)>(reinterpret_cast<void*>(found));
+                        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&Split));
+                    }};
+};
 
 /// What a child knows of itself.
 struct Report
@@ -148,14 +183,14 @@ TEST(GetArgumentsProgram, OutsideAsciiAndWithSpaces)
 TEST(GetArgumentsIsolated, SplitOnceAndReleased)
 {
     CommandLineHook commandLine("GetCommandLineW");
-    const SplitHook split("CommandLineToArgvW");
+    const SplitHook split;
     const LocalFreeHook free("LocalFree");
     const Arguments first = KelInsSys::GetArguments();
     EXPECT_FALSE(first.empty());
     std::wcscpy(::GetCommandLineW(), L"x"); // the process's own text, changed in place
     EXPECT_EQ(KelInsSys::GetArguments(), first);
     EXPECT_EQ(commandLine.Calls().size(), 1U);
-    EXPECT_EQ(split.Calls().size(), 1U);
+    EXPECT_EQ(split.calls, 1U);
     EXPECT_EQ(free.Calls().size(), 1U);
 }
 
@@ -169,30 +204,38 @@ TEST(GetArgumentsIsolated, CopiesAreIndependent)
 TEST(GetArgumentsIsolated, FailsThenTriesAgain)
 {
     const LocalFreeHook free("LocalFree");
-    SplitHook split("CommandLineToArgvW");
-    split.FailCall(1, nullptr, LastError(ERROR_NOT_ENOUGH_MEMORY));
-    split.FailCall(2, nullptr, LastError(ERROR_INVALID_PARAMETER));
-    for (const DWORD code : {DWORD{ERROR_NOT_ENOUGH_MEMORY}, DWORD{ERROR_INVALID_PARAMETER}})
+    SplitHook split;
+    split.failures = {ERROR_NOT_ENOUGH_MEMORY, ERROR_INVALID_PARAMETER};
+    for (const DWORD code : split.failures)
         ExpectThrowsText<std::runtime_error>([] { KelInsSys::GetArguments(); },
                                              "CommandLineToArgv failed. - " + KelInsSys::GetLastErrorMessage(code) +
                                                  "\n");
     EXPECT_FALSE(KelInsSys::GetArguments().empty());
     KelInsSys::GetArguments();
-    EXPECT_EQ(split.Calls().size(), 3U);
+    EXPECT_EQ(split.calls, 3U);
+}
+
+TEST(GetArgumentsIsolated, FailsWithoutTheSystemsLibraryThenTriesAgain)
+{
+    LoadHook load("LoadLibraryExW");
+    load.FailCall(1, nullptr, LastError(ERROR_MOD_NOT_FOUND));
+    ExpectThrowsText<std::runtime_error>([] { KelInsSys::GetArguments(); },
+                                         "CommandLineToArgv failed. - " +
+                                             KelInsSys::GetLastErrorMessage(ERROR_MOD_NOT_FOUND) + "\n");
+    EXPECT_FALSE(KelInsSys::GetArguments().empty());
+    EXPECT_THAT(load.Calls(), testing::Each(LoadHook::Call(L"shell32.dll", nullptr, 0x800))); // system directory alone
 }
 
 TEST(GetArgumentsIsolated, SplitOnceByManyThreads)
 {
-    SplitHook split("CommandLineToArgvW", [&](LPCWSTR text, int* count) {
-        ::Sleep(100);
-        return split.CallOriginal(text, count);
-    });
+    SplitHook split;
+    split.delay = 100;
     std::vector<std::thread> threads;
     for (int i = 0; i < 8; ++i)
         threads.emplace_back([] { EXPECT_FALSE(KelInsSys::GetArguments().empty()); });
     for (std::thread& thread : threads)
         thread.join();
-    EXPECT_EQ(split.Calls().size(), 1U);
+    EXPECT_EQ(split.calls, 1U);
 }
 
 Arguments SystemEnvironment()

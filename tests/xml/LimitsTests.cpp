@@ -164,7 +164,7 @@ TEST_P(XmlGrowth, ParsingIsLinear)
             return [text] { Parse(*text); };
         },
         GetParam().size / KELINS_LIMITS_DIVISOR);
-    EXPECT_LT(factor, 6);
+    EXPECT_LT(factor, kGrowthLimit);
 }
 
 TEST_P(XmlGrowth, CloningIsLinear)
@@ -180,7 +180,7 @@ TEST_P(XmlGrowth, CloningIsLinear)
             };
         },
         GetParam().size / KELINS_LIMITS_DIVISOR);
-    EXPECT_LT(factor, 6);
+    EXPECT_LT(factor, kGrowthLimit);
 }
 
 TEST_P(XmlGrowth, PrintingIsLinear)
@@ -195,7 +195,7 @@ TEST_P(XmlGrowth, PrintingIsLinear)
             };
         },
         GetParam().size / KELINS_LIMITS_DIVISOR);
-    EXPECT_LT(factor, 6);
+    EXPECT_LT(factor, kGrowthLimit);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, XmlGrowth, testing::ValuesIn(kGrowthCases),

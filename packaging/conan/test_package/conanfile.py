@@ -1,0 +1,28 @@
+"""Builds the project that tests/package builds against every other package."""
+
+import os
+
+from conan import ConanFile
+from conan.tools.build import can_run
+from conan.tools.cmake import CMake, cmake_layout
+
+
+class TestPackage(ConanFile):
+    settings = "os", "arch", "compiler", "build_type"
+    generators = "CMakeToolchain", "CMakeDeps"
+
+    def requirements(self):
+        self.requires(self.tested_reference_str)
+
+    def layout(self):
+        cmake_layout(self)
+
+    def build(self):
+        cmake = CMake(self)
+        cmake.configure()
+        cmake.build()
+
+    def test(self):
+        if can_run(self):
+            for kind in ("shared", "static"):
+                self.run(os.path.join(self.cpp.build.bindir, kind, f"consumer_{kind}"), env="conanrun")
