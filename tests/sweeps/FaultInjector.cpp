@@ -95,8 +95,8 @@ void FaultInjector::HookLibrary(HMODULE library)
             continue;
         const auto faults = FaultsOf(imported.name);
         if (!faults)
-            throw std::runtime_error("no failure is known of " + imported.name + ", which the library imports");
-        if (faults->empty())
+            unknown_.push_back(imported.name);
+        if (!faults || faults->empty())
             continue;
         HookedFunction& function = functions_[Add(imported.name, imported.name)];
         function.slots.push_back(imported.slot);

@@ -25,7 +25,6 @@ struct HookedFunction
 class FaultInjector
 {
 public:
-    /// @throws std::runtime_error  when the library imports a function that FaultsOf does not know.
     explicit FaultInjector(HMODULE library);
     ~FaultInjector();
     FaultInjector(const FaultInjector&) = delete;
@@ -33,8 +32,8 @@ public:
 
     [[nodiscard]] const std::vector<HookedFunction>& Functions() const { return functions_; }
 
-    /// Names that the library looked up and nobody has thought about.
-    [[nodiscard]] const std::vector<std::string>& UnknownLookUps() const { return unknown_; }
+    /// What the library imports or looked up, and nobody has thought about.
+    [[nodiscard]] const std::vector<std::string>& Unknown() const { return unknown_; }
 
     /// From now on calls are counted.
     void Arm();

@@ -134,7 +134,7 @@ Reference RunUnharmed(const Scene& scene, const std::string& name)
     session.Run(operation, scene.Get(), outcome);
     reference.blocks += Difference(Sweeps::BlocksInUse(), blocks);
     EXPECT_EQ(outcome.Text(), reference.result);
-    EXPECT_EQ(session.Injector().UnknownLookUps(), std::vector<std::string>()) << "no failure is known of these";
+    EXPECT_EQ(session.Injector().Unknown(), std::vector<std::string>()) << "which failures have these?";
     if (operation.cleanUp)
         operation.cleanUp();
     return reference;

@@ -80,8 +80,10 @@ const std::map<std::string_view, Faults>& FailingFunctions()
         {"FindNextFileW", {False()}},
         {"GetDiskFreeSpaceExW", {False()}},
         {"GetFileAttributesW", {Invalid(), Invalid(ERROR_SHARING_VIOLATION)}}, // the second is asked about elsewhere
+        {"GetFileAttributesExW", {False()}},
         {"GetFileInformationByHandle", {False()}},
         {"GetFileSizeEx", {False()}},
+        {"GetFileTime", {False()}},
         {"GetFullPathNameW", {False()}},
         {"MoveFileExW", {False()}},
         {"ReadFile", {False(), Half()}},
@@ -137,7 +139,8 @@ const std::vector<std::string_view>& HarmlessFunctions()
 {
     static const std::vector<std::string_view> functions = {
         // answer from the process's own memory, and have no way to report a failure
-        "GetCommandLineW", "GetCurrentProcess", "GetLastError", "GetNativeSystemInfo", "GetSystemInfo", "SetLastError",
+        "CompareFileTime", "GetCommandLineW", "GetCurrentProcess", "GetLastError", "GetNativeSystemInfo",
+        "GetSystemInfo", "SetLastError",
         // called by the compiler's start-up code alone, before and after the library's own
         "DeleteCriticalSection", "EnterCriticalSection", "InitializeCriticalSection", "LeaveCriticalSection", "Sleep",
         "TlsGetValue", "VirtualProtect", "VirtualQuery", "__iob_func", "_amsg_exit", "_initterm", "_lock", "_unlock",
@@ -177,8 +180,9 @@ bool IsLanguageRuntime(std::string_view module)
 
 const std::vector<std::string>& FunctionsLookedUp()
 {
-    static const std::vector<std::string> functions = {"_waccess_s", "GetUserNameExW", "IsWow64Process",
-                                                       "MsiEnumRelatedProductsW", "MsiGetProductInfoW"};
+    static const std::vector<std::string> functions = {
+        "_waccess_s",     "CommandLineToArgvW",      "GetUserNameExW",
+        "IsWow64Process", "MsiEnumRelatedProductsW", "MsiGetProductInfoW"};
     return functions;
 }
 
