@@ -15,6 +15,7 @@ packages=(
     googletest                                   # sources, built with each compiler
     clang-format clang-tidy python3 git          # checks
     valgrind                                     # counts instructions
+    gcovr                                        # coverage
     libssl-dev uuid-dev                          # independent answers, and peers to be measured against
     nlohmann-json3-dev rapidjson-dev libpugixml-dev libtinyxml2-dev
     shared-mime-info iso-codes fontconfig-config docbook-xml adwaita-icon-theme # XML files that nobody here wrote
