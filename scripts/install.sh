@@ -10,7 +10,7 @@ packages=(
     wixl msitools nsis                           # installation packages for tests and demo
     jq libxml2-utils                             # independent readers of JSON and XML
     flex bison libfl-dev                         # the JSON scanner and parser
-    nsis pkg-config doxygen                      # the packages of the SDK, their test, the reference
+    pkg-config doxygen                           # the packages of the SDK, their test, the reference
     g++ clang libclang-rt-14-dev                 # the portable part natively, with sanitizers
     googletest                                   # sources, built with each compiler
     clang-format clang-tidy python3 git          # checks
