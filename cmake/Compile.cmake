@@ -6,7 +6,7 @@ target_compile_options(kelins_warnings INTERFACE
     -Wcast-qual -Wformat=2 -Wimplicit-fallthrough -Wmissing-declarations)
 
 # The runtime DLLs of the compiler, which programs and DLLs built with it need beside them; without their debug symbols, which
-# are ten times their size.
+# are ten times their size, and with sections that begin at a page of the file, so that they are mapped and not read.
 function(kelins_runtime_dlls variable)
     set(dlls "")
     foreach(name IN ITEMS libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
@@ -23,7 +23,9 @@ function(kelins_runtime_dlls variable)
         set(stripped ${CMAKE_BINARY_DIR}/runtime/${name})
         if(NOT EXISTS ${stripped} OR ${path} IS_NEWER_THAN ${stripped})
             file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/runtime)
-            execute_process(COMMAND ${CMAKE_STRIP} --strip-unneeded -o ${stripped} ${path} COMMAND_ERROR_IS_FATAL ANY)
+            execute_process(COMMAND ${CMAKE_OBJCOPY} -p --strip-unneeded --file-alignment 4096 ${path} ${stripped}
+                COMMAND_ERROR_IS_FATAL ANY)
+            file(TOUCH ${stripped})
         endif()
         list(APPEND dlls ${stripped})
     endforeach()
@@ -41,12 +43,13 @@ function(kelins_copy_runtime target)
         VERBATIM)
 endfunction()
 
-# Moves the debug symbols of a DLL into <name>.debug beside it, where a debugger finds them by the link left in the DLL.
+# Moves the debug symbols of a DLL into <name>.debug beside it, where a debugger finds them by the link left in the DLL. "-p", here
+# and above, keeps the linker's time stamp, or its absence: the tools would put in theirs.
 function(kelins_split_symbols target)
     set(symbols $<TARGET_FILE:${target}>.debug)
     add_custom_command(TARGET ${target} POST_BUILD
-        COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:${target}> ${symbols}
-        COMMAND ${CMAKE_STRIP} --strip-unneeded $<TARGET_FILE:${target}>
-        COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=${symbols} $<TARGET_FILE:${target}>
+        COMMAND ${CMAKE_OBJCOPY} -p --only-keep-debug $<TARGET_FILE:${target}> ${symbols}
+        COMMAND ${CMAKE_STRIP} -p --strip-unneeded $<TARGET_FILE:${target}>
+        COMMAND ${CMAKE_OBJCOPY} -p --add-gnu-debuglink=${symbols} $<TARGET_FILE:${target}>
         VERBATIM)
 endfunction()

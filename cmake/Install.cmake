@@ -32,6 +32,7 @@ kelins_pkg_config(KelInsInfraStatic " -static" " -DKELINS_STATIC")
 install(FILES ${PROJECT_SOURCE_DIR}/cmake/installer.manifest DESTINATION ${KELINS_SHARE})
 install(FILES LICENSE NOTICE CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY licenses DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY build/docs/html DESTINATION ${CMAKE_INSTALL_DOCDIR} OPTIONAL) # where scripts/docs.sh has made the reference
 
 # Last of all: the bill of materials lists, with their digests, the files that were installed before it.
 file(STRINGS ${PROJECT_SOURCE_DIR}/KelInsInfra/json/Scanner.cpp flex_version REGEX "define YY_FLEX_(MAJOR|MINOR|SUBMINOR)_VERSION [0-9]")

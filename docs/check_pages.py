@@ -8,7 +8,7 @@ import sys
 
 problems = []
 listed = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard", "*.md"], capture_output=True, check=True)
-pages = [pathlib.Path(name) for name in listed.stdout.decode().split()]
+pages = [pathlib.Path(name) for name in listed.stdout.decode().split() if name != "docs/benchmarks.md"]  # scripts/bench.sh writes it
 headers = "\n".join(p.read_text() for p in pathlib.Path("KelInsInfra").rglob("*.h") if "internal" not in p.parts)
 known = set(re.findall(r"[A-Za-z_]\w*", headers))
 

@@ -10,11 +10,12 @@ packages=(
     wixl msitools nsis                           # installation packages for tests and demo
     jq libxml2-utils                             # independent readers of JSON and XML
     flex bison libfl-dev                         # the JSON scanner and parser
-    nsis pkg-config doxygen                      # the packages of the SDK, their test, the reference
+    pkg-config doxygen                           # the packages of the SDK, their test, the reference
     g++ clang libclang-rt-14-dev                 # the portable part natively, with sanitizers
     googletest                                   # sources, built with each compiler
     clang-format clang-tidy python3 git          # checks
     valgrind                                     # counts instructions
+    gcovr                                        # coverage
     libssl-dev uuid-dev                          # independent answers, and peers to be measured against
     nlohmann-json3-dev rapidjson-dev libpugixml-dev libtinyxml2-dev
     shared-mime-info iso-codes fontconfig-config docbook-xml adwaita-icon-theme # XML files that nobody here wrote

@@ -19,6 +19,7 @@ step() { # TITLE COMMAND...
 }
 
 step "install what is missing" scripts/install.sh
+step "make the reference" scripts/docs.sh
 step "configure" cmake --preset mingw
 step "build the library" cmake --build --preset mingw -j "$(nproc)" --target KelInsInfra KelInsInfraStatic
 rm -rf build/packages
@@ -26,4 +27,4 @@ step "make the packages" cpack --config build/mingw/CPackConfig.cmake
 rm -rf build/packages/_CPack_Packages
 cd build/packages
 sha256sum --check --quiet ./*.sha256
-ls -lh --time-style=+ ./* | awk '{print "build/packages/" substr($NF, 3) "  " $5}'
+du -h -- * | sed 's|\t|  build/packages/|'

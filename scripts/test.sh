@@ -88,6 +88,7 @@ fuzz() { # SECONDS: every target side by side, from its seeds, with its dictiona
 echo "KelInsInfra: all checks and tests"
 step "install what is missing" scripts/install.sh || exit 1
 step "layout and lint" scripts/check-style.sh
+step "reference, without a warning" scripts/docs.sh
 if step "build natively, address and undefined-behaviour sanitizers" build native-asan all; then
     step "test natively, address and undefined-behaviour sanitizers" tests native-asan
     results+=(build/native-asan/results)

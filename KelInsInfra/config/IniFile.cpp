@@ -17,7 +17,9 @@ void CheckArguments(const std::string& fileName, const std::string& key)
 /// Content of the file; empty where there is none yet, and its directory then exists.
 std::string Load(const std::string& fileName)
 {
-    if (KelInsIO::Exists(fileName) && KelInsIO::IsFile(fileName))
+    // A file that could not be asked about, but can be opened, is not missing: what it holds must not be lost.
+    if ((KelInsIO::Exists(fileName) && KelInsIO::IsFile(fileName)) ||
+        KelInsIO::GetInputFileStream(fileName, std::ios_base::in).good())
         return KelInsIO::ReadForRewriting(fileName, {});
     KelInsIO::CreateDir(KelInsIO::Path(fileName).GetParent().GetPath());
     return {};

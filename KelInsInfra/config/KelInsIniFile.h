@@ -48,7 +48,8 @@ KELINS_API std::string ReadValueOfKey(const std::string& fileName, const std::st
 /// (right before the next header), a new section to the end of the file. All other lines stay byte for byte, but every
 /// line end of the file becomes CR LF. The new content is first written to <fileName>_TmpIniW and then copied over the
 /// file; a failure during that copy may leave the file partly written, and the whole new content in the temporary
-/// file. A read-only file is made writable for the copy and read-only again afterwards.
+/// file. A read-only file is made writable for the copy and read-only again afterwards; it stays writable when the copy
+/// fails, as it does where the temporary name is too long for KelInsIO::Copy. The whole file is held in memory.
 ///
 /// @param fileName     UTF-8 path. A new file needs a directory in its name: a bare name that does not exist yet is
 ///                     refused ("CreateDir - empty path\n").

@@ -9,7 +9,9 @@ namespace KelInsEnv {
 /// Value of an environment variable.
 ///
 /// @param name  UTF-8; an empty name gives the empty string.
-/// @return UTF-8; empty when the variable is not set. Unset and set to the empty text are not told apart.
+/// @return UTF-8; empty when the variable is not set. Unset and set to the empty text are not told apart. In a program
+///         that starts at a narrow main, inherited values have gone through the ANSI code page: start at wmain, or use
+///         KelInsSys::GetEnvironment.
 KELINS_API std::string GetEnv(const std::string& name);
 
 /// Sets an environment variable of this process, for itself and the children that it starts afterwards.

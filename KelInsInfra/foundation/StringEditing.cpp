@@ -1,7 +1,6 @@
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <sstream>
@@ -91,6 +90,7 @@ std::vector<std::string> Split(const std::string& text, char delimiter, bool kee
 std::string ToFixedPrecision(double value, std::int32_t decimals)
 {
     std::ostringstream stream;
+    stream.exceptions(std::ios_base::badbit); // or it would keep std::bad_alloc to itself, and a part of the text
     stream.setf(std::ios_base::fixed, std::ios_base::floatfield);
     stream.precision(decimals);
     stream << value;
@@ -113,9 +113,11 @@ std::int32_t ToInt(const std::string& text, std::int32_t defaultValue)
 
 std::uint64_t ToSize_t(const std::string& text, std::uint64_t defaultValue)
 {
-    std::size_t value = 0;
-    // NOLINTNEXTLINE(cert-err34-c): what the scan makes of numbers that do not fit is what callers get
-    return std::sscanf(text.c_str(), "%zu", &value) == 1 ? value : defaultValue;
+    const int errnoBefore = errno;
+    char* end = nullptr;
+    const std::uint64_t value = std::strtoull(text.c_str(), &end, 10); // a number that does not fit is the largest one
+    errno = errnoBefore;
+    return end != text.c_str() ? value : defaultValue;
 }
 
 } // namespace KelInsString

@@ -1,55 +1,53 @@
 #include <KelInsInfra/hash/internal/Sha256Engines.h>
-#include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace KelInsHash {
 namespace {
 
-constexpr std::uint64_t kBlockSize = SHA256::_cChunkSize;
-constexpr std::uint64_t kLanes = 4;
-
-/// The same message word of four consecutive blocks. Message words do not depend on the chaining words, so those of
-/// four blocks are worked out side by side; only the rounds have to wait for each other.
-using Lanes [[gnu::vector_size(16)]] = std::uint32_t;
-using Schedule = std::array<Lanes, 64>;
-
-template <int Count>
-[[gnu::always_inline]] inline Lanes RightRotate(Lanes value)
-{
-    return value >> Count | value << (32 - Count);
-}
+/// Four message words; their halves; two doubled ones.
+using Four [[gnu::vector_size(16)]] = std::uint32_t;
+using Eight [[gnu::vector_size(16)]] = std::uint16_t;
+using Two [[gnu::vector_size(16)]] = std::uint64_t;
 
 [[gnu::always_inline]] inline std::uint32_t Rotr(std::uint32_t value, int count)
 {
     return Sha256Engines::RightRotate(value, count);
 }
 
-std::uint32_t LoadWord(const unsigned char* bytes)
+template <int Count>
+[[gnu::always_inline]] inline Four Rotr(Four value)
 {
-    std::uint32_t word;
-    std::memcpy(&word, bytes, sizeof word);
-    return Sha256Engines::BigEndian(word);
+    return value >> Count | value << (32 - Count);
 }
 
-/// Message words of up to four blocks, the round constants added. Lanes without a block repeat the last one.
-void Expand(Schedule& w, const unsigned char* blocks, std::uint64_t count)
+/// sigma1 of two words x and y, given as x, x, y, y. A doubled word need not be rotated: a shift of all 64 bits brings
+/// the same into its lower half. The upper halves are of no use.
+[[gnu::always_inline]] inline Four Sigma1(Four words)
 {
-    std::array<const unsigned char*, kLanes> block;
-    for (std::uint64_t lane = 0; lane < kLanes; ++lane)
-        block[lane] = blocks + std::min(lane, count - 1) * kBlockSize;
-    for (std::size_t t = 0; t < 16; ++t)
-        w[t] = Lanes{LoadWord(block[0] + 4 * t), LoadWord(block[1] + 4 * t), LoadWord(block[2] + 4 * t),
-                     LoadWord(block[3] + 4 * t)};
+    const Two doubled = reinterpret_cast<Two>(words);
+    return reinterpret_cast<Four>(doubled >> 17 ^ doubled >> 19) ^ words >> 10;
+}
 
-    for (std::size_t t = 16; t < w.size(); ++t) {
-        const Lanes w15 = w[t - 15];
-        const Lanes w2 = w[t - 2];
-        w[t] = w[t - 16] + (RightRotate<7>(w15) ^ RightRotate<18>(w15) ^ w15 >> 3) + w[t - 7] +
-               (RightRotate<17>(w2) ^ RightRotate<19>(w2) ^ w2 >> 10);
-        w[t - 16] += Sha256Engines::kRoundConstants[t - 16]; // its last use as a message word was just now
-    }
-    for (std::size_t t = w.size() - 16; t < w.size(); ++t)
-        w[t] += Sha256Engines::kRoundConstants[t];
+/// Message words t to t + 3 from the sixteen before them: w0 holds words t - 16 to t - 13, and so on.
+[[gnu::always_inline]] inline Four NextWords(Four w0, Four w1, Four w2, Four w3)
+{
+    const Four none{};
+    const Four words15 = __builtin_shufflevector(w0, w1, 1, 2, 3, 4);
+    const Four words7 = __builtin_shufflevector(w2, w3, 1, 2, 3, 4);
+    Four words = w0 + words7 + (Rotr<7>(words15) ^ Rotr<18>(words15) ^ words15 >> 3);
+    words += __builtin_shufflevector(Sigma1(__builtin_shufflevector(w3, w3, 2, 2, 3, 3)), none, 0, 2, 4, 6);
+    words += __builtin_shufflevector(none, Sigma1(__builtin_shufflevector(words, words, 0, 0, 1, 1)), 0, 2, 4, 6);
+    return words;
+}
+
+[[gnu::always_inline]] inline Four LoadWords(const unsigned char* bytes)
+{
+    Eight halves;
+    std::memcpy(&halves, bytes, sizeof halves);
+    if constexpr (std::endian::native == std::endian::little)
+        return Rotr<16>(reinterpret_cast<Four>(halves >> 8 | halves << 8));
+    return reinterpret_cast<Four>(halves);
 }
 
 /// One round. Instead of moving eight words along, the caller names them in another order each time. Majority of a, b
@@ -58,29 +56,78 @@ void Expand(Schedule& w, const unsigned char* blocks, std::uint64_t count)
                                          std::uint32_t e, std::uint32_t f, std::uint32_t g, std::uint32_t& h,
                                          std::uint32_t input)
 {
-    h += input + (Rotr(e, 6) ^ Rotr(e, 11) ^ Rotr(e, 25)) + (g ^ (e & (f ^ g)));
+    h += input; // one after the other, the latest operand last: the compiler keeps the order
+    h += g ^ (e & (f ^ g));
+    h += Rotr(e, 6) ^ Rotr(e, 11) ^ Rotr(e, 25);
     d += h;
     const std::uint32_t aXorB = a ^ b;
-    h += (Rotr(a, 2) ^ Rotr(a, 13) ^ Rotr(a, 22)) + (b ^ (aXorB & bXorC));
+    h += b ^ (aXorB & bXorC);
+    h += Rotr(a, 2) ^ Rotr(a, 13) ^ Rotr(a, 22);
     bXorC = aXorB;
 }
 
-void Rounds(Sha256Engines::Words& chaining, const Schedule& w, std::size_t lane)
+/// The state between rounds, and the inputs of the next sixteen: message words with their round constants added.
+struct Rounds
 {
-    auto [a, b, c, d, e, f, g, h] = chaining;
-    std::uint32_t x = b ^ c;
-#pragma GCC unroll 1 // eight rounds, after which every word has its own name again, are enough of a body
-    for (std::size_t t = 0; t < w.size(); t += 8) {
-        Round(a, b, x, d, e, f, g, h, w[t][lane]);
-        Round(h, a, x, c, d, e, f, g, w[t + 1][lane]);
-        Round(g, h, x, b, c, d, e, f, w[t + 2][lane]);
-        Round(f, g, x, a, b, c, d, e, w[t + 3][lane]);
-        Round(e, f, x, h, a, b, c, d, w[t + 4][lane]);
-        Round(d, e, x, g, h, a, b, c, w[t + 5][lane]);
-        Round(c, d, x, f, g, h, a, b, w[t + 6][lane]);
-        Round(b, c, x, e, f, g, h, a, w[t + 7][lane]);
+    std::uint32_t a, b, c, d, e, f, g, h, bXorC;
+    std::array<std::uint32_t, 16> inputs;
+
+    [[gnu::always_inline]] void SetInputs(std::size_t place, Four words, std::size_t t)
+    {
+        Four constants;
+        std::memcpy(&constants, &Sha256Engines::kRoundConstants[t], sizeof constants);
+        words += constants;
+        std::memcpy(&inputs[place], &words, sizeof words);
     }
-    const Sha256Engines::Words after{a, b, c, d, e, f, g, h};
+
+    [[gnu::always_inline]] void FourRounds(std::size_t place)
+    {
+        Round(a, b, bXorC, d, e, f, g, h, inputs[place]);
+        Round(h, a, bXorC, c, d, e, f, g, inputs[place + 1]);
+        Round(g, h, bXorC, b, c, d, e, f, inputs[place + 2]);
+        Round(f, g, bXorC, a, b, c, d, e, inputs[place + 3]);
+    }
+
+    /// The four that follow FourRounds, after which every word has its own name again.
+    [[gnu::always_inline]] void NextFourRounds(std::size_t place)
+    {
+        Round(e, f, bXorC, h, a, b, c, d, inputs[place]);
+        Round(d, e, bXorC, g, h, a, b, c, inputs[place + 1]);
+        Round(c, d, bXorC, f, g, h, a, b, inputs[place + 2]);
+        Round(b, c, bXorC, e, f, g, h, a, inputs[place + 3]);
+    }
+};
+
+/// One block. The words of four rounds are worked out side by side, in vector registers, while the rounds wait for each
+/// other.
+void Block(Sha256Engines::Words& chaining, const unsigned char* block)
+{
+    const auto [a, b, c, d, e, f, g, h] = chaining;
+    Rounds rounds{a, b, c, d, e, f, g, h, b ^ c, {}};
+    Four w0 = LoadWords(block);
+    Four w1 = LoadWords(block + 16);
+    Four w2 = LoadWords(block + 32);
+    Four w3 = LoadWords(block + 48);
+    rounds.SetInputs(0, w0, 0);
+    rounds.SetInputs(4, w1, 4);
+    rounds.SetInputs(8, w2, 8);
+    rounds.SetInputs(12, w3, 12);
+#pragma GCC unroll 1 // sixteen rounds are enough of a body
+    for (std::size_t t = 16; t < 64; t += 16) {
+        rounds.FourRounds(0);
+        rounds.SetInputs(0, w0 = NextWords(w0, w1, w2, w3), t);
+        rounds.NextFourRounds(4);
+        rounds.SetInputs(4, w1 = NextWords(w1, w2, w3, w0), t + 4);
+        rounds.FourRounds(8);
+        rounds.SetInputs(8, w2 = NextWords(w2, w3, w0, w1), t + 8);
+        rounds.NextFourRounds(12);
+        rounds.SetInputs(12, w3 = NextWords(w3, w0, w1, w2), t + 12);
+    }
+    rounds.FourRounds(0);
+    rounds.NextFourRounds(4);
+    rounds.FourRounds(8);
+    rounds.NextFourRounds(12);
+    const Sha256Engines::Words after{rounds.a, rounds.b, rounds.c, rounds.d, rounds.e, rounds.f, rounds.g, rounds.h};
     for (std::size_t i = 0; i < after.size(); ++i)
         chaining[i] += after[i];
 }
@@ -100,15 +147,8 @@ alignas(16) constexpr std::array<std::uint32_t, 64> Sha256Engines::kRoundConstan
 
 void Sha256Engines::Portable(Words& chaining, const unsigned char* blocks, std::uint64_t count)
 {
-    Schedule schedule;
-    while (count > 0) {
-        const std::uint64_t taken = std::min(count, kLanes);
-        Expand(schedule, blocks, taken);
-        for (std::size_t lane = 0; lane < taken; ++lane)
-            Rounds(chaining, schedule, lane);
-        blocks += taken * kBlockSize;
-        count -= taken;
-    }
+    for (; count > 0; --count, blocks += SHA256::_cChunkSize)
+        Block(chaining, blocks);
 }
 
 } // namespace KelInsHash

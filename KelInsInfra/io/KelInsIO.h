@@ -16,6 +16,10 @@
 /// them. Failures are std::runtime_error with the text given at each function: <system text> stands for the system's
 /// message (KelInsSys::GetLastErrorMessage), <C text> for the C runtime's (KelInsSys::GetErrnoMessage), "\n" for the
 /// one line feed that ends these texts. Nothing is rolled back: a failed recursive operation leaves what it did so far.
+///
+/// Streams open names of any length. All else takes names of up to 259 characters; longer ones in a process that is
+/// long-path aware (manifest, and the machine's LongPathsEnabled setting). GetFileSize, GetTime, CreateDir and Copy
+/// take no name with "\\?\" in front: the C runtime refuses the '?'.
 namespace KelInsIO {
 
 /// What a directory entry is. ReparsePoint stands beside one of the other two.
@@ -152,7 +156,8 @@ KELINS_API std::string InputStreamToString(std::istream& stream);
 /// The file is rewritten whole, even where nothing was replaced: with CR LF between the lines, and without a final line
 /// end. The new content is first written to <fileName>_TmpRIL and then copied over the file; a failure during that
 /// copy may leave the file partly written, and the whole new content in the temporary file. A read-only file is made
-/// writable for the copy and read-only again afterwards. The whole file is held in memory.
+/// writable for the copy and read-only again afterwards; it stays writable when the copy fails, as it does where the
+/// temporary name is too long for Copy. The whole file is held in memory.
 ///
 /// @param fileName  UTF-8; '/' is taken as '\'.
 /// @param from      empty: 0 is returned and the file is not touched.

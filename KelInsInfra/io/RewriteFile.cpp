@@ -5,6 +5,7 @@
 #include <KelInsInfra/io/internal/RewriteFile.h>
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
 namespace KelInsIO {
@@ -61,10 +62,12 @@ void DeleteIgnoringFailure(const std::string& name)
 }
 
 /// 0 where it cannot be told.
-std::size_t SizeOf(std::streambuf& file)
+/// @return nothing when the file does not stand at its beginning afterwards: what is read then is not its content.
+std::optional<std::size_t> SizeOf(std::streambuf& file)
 {
     const std::streamoff end = file.pubseekoff(0, std::ios_base::end);
-    file.pubseekoff(0, std::ios_base::beg);
+    if (file.pubseekoff(0, std::ios_base::beg) != std::streambuf::pos_type(0))
+        return {};
     return end > 0 ? static_cast<std::size_t>(end) : 0;
 }
 
@@ -76,7 +79,10 @@ std::string ReadForRewriting(const std::string& name, const MessageFrame& frame)
     if (!stream.good())
         Fail(frame, "Failed to open " + name);
     std::string content;
-    content.reserve(SizeOf(*stream.rdbuf()));
+    const std::optional<std::size_t> size = SizeOf(*stream.rdbuf());
+    if (!size)
+        Fail(frame, "Failed to read " + name);
+    content.reserve(*size);
     const auto block = std::make_unique_for_overwrite<char[]>(kBlockSize);
     do {
         stream.read(block.get(), kBlockSize);

@@ -1,5 +1,6 @@
 #include <KelInsInfra/io/KelInsIO.h>
 #include <KelInsInfra/io/internal/TextLines.h>
+#include <new>
 #include <sstream>
 #include <utility>
 
@@ -29,7 +30,14 @@ std::wistream& GetLine(std::wistream& stream, std::wstring& line)
 std::string InputStreamToString(std::istream& stream)
 {
     std::ostringstream text;
-    text << stream.rdbuf();
+    text.exceptions(std::ios_base::failbit);
+    try {
+        text << stream.rdbuf();
+    } catch (const std::bad_alloc&) {
+        throw; // a part of the text must not pass for the whole
+    } catch (...) {
+        // nothing to read, or a failure of the stream: the text ends there
+    }
     return std::move(text).str();
 }
 

@@ -2,16 +2,14 @@
 #include <KelInsInfra/json/internal/Clone.h>
 #include <KelInsInfra/json/internal/TakeApart.h>
 #include <KelInsInfra/json/internal/Writer.h>
+#include <iterator>
 
 namespace JSON {
 
 Array::~Array()
 {
-    while (std::shared_ptr<Value>* const last = LastChild()) {
-        if (IsLastOwnerOfContainer(*last))
-            TakeApart(std::move(*last));
-        DropLastChild();
-    }
+    if (!shallow_)
+        DestroyChildren(*this);
 }
 
 std::shared_ptr<Value> Array::Clone() const
@@ -36,9 +34,14 @@ void Array::WriteIndented(std::ostream& out, std::int32_t level) const
 
 void Array::Append(std::shared_ptr<Value> value)
 {
-    if (elements_.capacity() == 0)
-        elements_.reserve(2); // pairs are common, and one element alone is not worth a block of its own
     elements_.push_back(std::move(value));
+    shallow_ = false;
+}
+
+void Array::Fill(std::span<std::shared_ptr<Value>> values, bool shallow)
+{
+    elements_.assign(std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
+    shallow_ = shallow;
 }
 
 } // namespace JSON

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <KelInsInfra/json/Value.h>
+#include <span>
 
 namespace JSON {
 
@@ -21,6 +22,10 @@ public:
     /// @cond  what follows is for the library itself, and not exported
     void Append(std::shared_ptr<Value> value);
 
+    /// Appends all values of an array that is empty yet.
+    /// @param shallow  whether they may be destroyed by recursion.
+    void Fill(std::span<std::shared_ptr<Value>> values, bool shallow);
+
     const std::vector<std::shared_ptr<Value>>& Elements() const { return elements_; }
 
     /// For taking a document apart: the last child's place, null where none is left.
@@ -31,6 +36,7 @@ public:
     /// @endcond
 
 private:
+    bool shallow_ = false;
     std::vector<std::shared_ptr<Value>> elements_;
 };
 

@@ -116,10 +116,7 @@ bool Driver::AddToObject(std::string key, std::shared_ptr<Value> value)
     const std::shared_ptr<Value> container = IsContainer(value) ? value : nullptr;
     if (container)
         ReserveOpen();
-    if (pool_ != nullptr)
-        object.InsertUnsettled(*pool_, std::move(key), std::move(value));
-    else
-        object.Insert(std::move(key), std::move(value));
+    object.Insert(std::move(key), std::move(value));
     if (container)
         OpenIfEmpty(container);
     return true;
@@ -147,11 +144,8 @@ void Driver::OpenIfEmpty(std::shared_ptr<Value> container)
 
 void Driver::CloseCurrentValue()
 {
-    if (open_.empty())
-        return;
-    if (pool_ != nullptr && open_.back()->IsObject())
-        static_cast<Object&>(*open_.back()).Settle();
-    open_.pop_back();
+    if (!open_.empty())
+        open_.pop_back();
 }
 
 std::shared_ptr<Value> Driver::GetValue() const

@@ -12,6 +12,8 @@
 
 namespace JSON {
 
+class Scanner;
+
 /// Builds JSON documents, by hand or from text, and reads the members of objects.
 ///
 /// By hand: Add(CreateObject()) opens a container, SetNextObjectKey(key) and Add(value) fill it, CloseCurrentValue()
@@ -142,8 +144,7 @@ public:
     KELINS_API static std::string RemoveJSONEscaping(const std::string& text);
 
 private:
-    class Parsing;
-
+    bool Run(Scanner& scanner);
     void ReserveOpen();
     void Open(std::shared_ptr<Value> container);
     void OpenIfEmpty(std::shared_ptr<Value> container);
@@ -151,7 +152,6 @@ private:
     std::shared_ptr<Value> root_;
     std::vector<std::shared_ptr<Value>> open_; ///< the last one is the current container
     std::string nextKey_;
-    Pool* pool_ = nullptr; ///< serves the values of a parse; null outside of one
 };
 
 } // namespace JSON

@@ -35,8 +35,8 @@ char* Unescape(std::string_view text, char* out)
     const char* next = text.data();
     const char* const end = next + text.size();
     while (next != end) {
-        const std::size_t plain = RunBeforeBackslash(std::string_view(next, static_cast<std::size_t>(end - next)));
-        const char* const plainEnd = next + plain;
+        const char* const plainEnd = FindBackslash(next, end);
+        const auto plain = static_cast<std::size_t>(plainEnd - next);
         std::memmove(out, next, plain); // may be done in place
         out += plain;
         if (end - plainEnd < 2) // a backslash at the very end is dropped
@@ -49,6 +49,13 @@ char* Unescape(std::string_view text, char* out)
         next = plainEnd + 2;
     }
     return out;
+}
+
+void UnescapeInPlace(std::string& text)
+{
+    const char* const end = text.data() + text.size();
+    if (FindBackslash(text.data(), end) != end)
+        text.resize(static_cast<std::size_t>(Unescape(text, text.data()) - text.data()));
 }
 
 } // namespace JSON

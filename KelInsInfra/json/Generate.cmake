@@ -12,11 +12,27 @@ execute_process(WORKING_DIRECTORY ${WORK} COMMAND_ERROR_IS_FATAL ANY
 execute_process(WORKING_DIRECTORY ${WORK} COMMAND_ERROR_IS_FATAL ANY
     COMMAND ${BISON} --no-lines --output=Parser.cpp --header=internal/Parser.h Parser.yy)
 
+# Replaces a text that must be there once in what was generated, under the name in `variable`.
+function(replace_once variable old new)
+    string(FIND "${${variable}}" "${old}" first)
+    string(FIND "${${variable}}" "${old}" last REVERSE)
+    if(first EQUAL -1 OR NOT first EQUAL last)
+        message(FATAL_ERROR "Not once in ${name}: ${old}")
+    endif()
+    string(REPLACE "${old}" "${new}" result "${${variable}}")
+    set(${variable} "${result}" PARENT_SCOPE)
+endfunction()
+
 foreach(name IN ITEMS Scanner.cpp Parser.cpp internal/Parser.h)
     file(READ ${WORK}/${name} text)
     string(REGEX REPLACE "[ \t]+\n" "\n" text "${text}") # no blanks at line ends in what is committed
-    # the stack's constructor allocates: where memory runs out there, noexcept would end the host
-    string(REPLACE "stack (size_type n = 200) YY_NOEXCEPT" "stack (size_type n = 200)" text "${text}")
+    if(name STREQUAL internal/Parser.h)
+        # the stack's constructor allocates: where memory runs out there, noexcept would end the host
+        replace_once(text "stack (size_type n = 200) YY_NOEXCEPT" "stack (size_type n = 200)")
+        # the stack is used several times for each token, so what it does must be as short as it can be
+        replace_once(text "seq_.push_back (T ());\n        operator[] (0).move (t);" "seq_.push_back (YY_MOVE (t));")
+        replace_once(text "for (; 0 < n; --n)\n          seq_.pop_back ();" "seq_.resize (seq_.size () - size_type (n));")
+    endif()
     file(WRITE ${WORK}/${name} "${text}")
     if(NOT CHECK)
         configure_file(${WORK}/${name} ${SOURCES}/${name} COPYONLY)

@@ -1,48 +1,58 @@
 #include <KelInsInfra/json/internal/KeyIndex.h>
 #include <KelInsInfra/json/internal/KeyedHash.h>
-#include <KelInsInfra/json/internal/Member.h>
+#include <bit>
 
 namespace JSON {
 namespace {
 
-constexpr std::size_t kFirstSize = 32;
-
+std::size_t SlotsFor(std::size_t members)
+{
+    return std::bit_ceil(members + members / 3 + 1);
 }
+
+} // namespace
+
+KeyIndex::KeyIndex(std::size_t members) : slots_(SlotsFor(members)) {}
 
 void KeyIndex::ReserveOneMore()
 {
-    if (2 * (members_ + 1) <= slots_.size())
+    if (SlotsFor(members_ + 1) <= slots_.size())
         return;
-    std::vector<Slot> slots(slots_.empty() ? kFirstSize : 2 * slots_.size());
+    std::vector<Slot> slots(2 * slots_.size());
     for (const Slot& slot : slots_) {
-        if (slot.member != nullptr)
-            Place(slots, slot);
+        if (slot.member == nullptr)
+            continue;
+        std::size_t i = slot.hash & (slots.size() - 1);
+        while (slots[i].member != nullptr)
+            i = (i + 1) & (slots.size() - 1);
+        slots[i] = slot;
     }
     slots_ = std::move(slots);
 }
 
-void KeyIndex::Add(const Member& member) noexcept
+bool KeyIndex::Add(POSITION member) noexcept
 {
-    Place(slots_, {KeyedHash(member.first), &member});
+    const std::uint64_t hash = KeyedHash(member->first);
+    Slot& slot = slots_[SlotFor(hash, member->first)];
+    if (slot.member != nullptr)
+        return false;
+    slot = {hash, member};
     ++members_;
+    return true;
 }
 
-const Member* KeyIndex::Find(std::string_view key) const
+POSITION KeyIndex::Find(std::string_view key) const
 {
-    const std::uint64_t hash = KeyedHash(key);
-    for (std::size_t i = hash & (slots_.size() - 1); slots_[i].member != nullptr; i = (i + 1) & (slots_.size() - 1)) {
-        if (slots_[i].hash == hash && slots_[i].member->first == key)
-            return slots_[i].member;
-    }
-    return nullptr;
+    return slots_[SlotFor(KeyedHash(key), key)].member;
 }
 
-void KeyIndex::Place(std::vector<Slot>& slots, const Slot& slot) noexcept
+/// The slot that holds the key, or the empty one where it belongs.
+std::size_t KeyIndex::SlotFor(std::uint64_t hash, std::string_view key) const
 {
-    std::size_t i = slot.hash & (slots.size() - 1);
-    while (slots[i].member != nullptr)
-        i = (i + 1) & (slots.size() - 1);
-    slots[i] = slot;
+    std::size_t i = hash & (slots_.size() - 1);
+    while (slots_[i].member != nullptr && (slots_[i].hash != hash || slots_[i].member->first != key))
+        i = (i + 1) & (slots_.size() - 1);
+    return i;
 }
 
 } // namespace JSON

@@ -3,7 +3,6 @@
 #include <KelInsInfra/json/internal/Escapes.h>
 #include <KelInsInfra/json/internal/KeyIndex.h>
 #include <KelInsInfra/json/internal/Member.h>
-#include <KelInsInfra/json/internal/Pool.h>
 #include <KelInsInfra/json/internal/TakeApart.h>
 #include <KelInsInfra/json/internal/Writer.h>
 #include <algorithm>
@@ -13,17 +12,10 @@ namespace {
 
 constexpr std::size_t kSearchedThrough = 8; ///< up to so many members a search beats a hash
 
-void UnescapeInPlace(std::string& key)
+/// Most keys differ in their size or their last byte.
+bool SameKey(const std::string& a, std::string_view b)
 {
-    if (key.find('\\') != std::string::npos)
-        key.resize(static_cast<std::size_t>(Unescape(key, key.data()) - key.data()));
-}
-
-template <typename T>
-void MakeRoomForOne(std::vector<T>& items)
-{
-    if (items.size() == items.capacity())
-        items.reserve(std::max<std::size_t>(4, 2 * items.size()));
+    return a.size() == b.size() && (b.empty() || (a.back() == b.back() && a == b));
 }
 
 } // namespace
@@ -32,11 +24,13 @@ Object::Object() : Value(Type::Object) {}
 
 Object::~Object()
 {
-    while (std::shared_ptr<Value>* const last = LastChild()) {
-        if (IsLastOwnerOfContainer(*last))
-            TakeApart(std::move(*last));
-        DropLastChild();
+    if (shallow_) {
+        for (const POSITION position : order_)
+            position->~Member();
+    } else {
+        DestroyChildren(*this);
     }
+    MemberBlock::ReleaseAll(blocks_);
 }
 
 std::shared_ptr<Value> Object::Clone() const
@@ -61,99 +55,87 @@ void Object::WriteIndented(std::ostream& out, std::int32_t level) const
 
 void Object::Insert(std::string key, std::shared_ptr<Value> value)
 {
-    Pool pool;
-    InsertUnsettled(pool, std::move(key), std::move(value));
-    Settle();
+    UnescapeInPlace(key);
+    MakeRoomForOne();
+    shallow_ = false;
+    if (const POSITION position = Find(key)) {
+        order_.erase(std::find(order_.rbegin(), order_.rend(), position).base() - 1);
+        order_.push_back(position);
+        const_cast<Member*>(position)->second = std::move(value);
+        return;
+    }
+    Member* const place = blocks_->Begin() + blocks_->used++;
+    order_.push_back(new (place) Member(std::move(key), std::move(value)));
+    if (index_)
+        index_->Add(order_.back());
 }
 
-void Object::InsertUnsettled(Pool& pool, std::string key, std::shared_ptr<Value> value)
+/// So that the next member is either inserted, or memory runs out before anything happens.
+void Object::MakeRoomForOne()
 {
-    UnescapeInPlace(key);
-    MakeRoomForOne(order_);
+    if (order_.size() == order_.capacity())
+        order_.reserve(std::max<std::size_t>(4, 2 * order_.size()));
     if (order_.size() >= kSearchedThrough)
         MakeRoomInIndex();
-    if (const Member* const member = Find(key))
-        Replace(MemberAt(member), std::move(value));
-    else
-        AddMember(pool, std::move(key), std::move(value));
+    if (blocks_ == nullptr || blocks_->used == blocks_->capacity) {
+        Pool pool;
+        blocks_ = MemberBlock::Create(pool, order_.capacity() - order_.size(), blocks_);
+    }
 }
 
-/// Makes the index where there is none yet, and sees to it that the next member can be added to it.
 void Object::MakeRoomInIndex()
 {
     if (index_) {
         index_->ReserveOneMore();
         return;
     }
-    auto index = std::make_unique<KeyIndex>();
-    for (const POSITION position : order_) {
-        if (position == nullptr)
-            continue;
-        index->ReserveOneMore();
-        index->Add(MemberAt(position));
-    }
-    index->ReserveOneMore();
+    auto index = std::make_unique<KeyIndex>(order_.size() + 1);
+    for (const POSITION position : order_)
+        index->Add(position);
     index_ = std::move(index);
 }
 
-void Object::Replace(Member& member, std::shared_ptr<Value> value) noexcept
+void Object::Fill(Pool& pool, std::span<std::string> keys, std::span<std::shared_ptr<Value>> values, bool shallow)
 {
-    order_[member.place] = nullptr;
-    firstHole_ = std::min(firstHole_, member.place);
-    member.place = order_.size();
-    order_.push_back(&member);
-    member.second = std::move(value);
-}
+    order_.reserve(keys.size());
+    if (keys.size() > kSearchedThrough)
+        index_ = std::make_unique<KeyIndex>(keys.size());
+    blocks_ = MemberBlock::Create(pool, keys.size(), blocks_);
+    blocks_->used = keys.size();
+    shallow_ = shallow;
 
-void Object::AddMember(Pool& pool, std::string key, std::shared_ptr<Value> value)
-{
-    Chunk& chunk = pool.ChunkFor(Chunk::Rounded(sizeof(Member)));
-    auto* const member =
-        new (chunk.Take(sizeof(Member))) Member(std::move(key), std::move(value), chunk, order_.size());
-    order_.push_back(member);
-    if (index_)
-        index_->Add(*member);
-}
-
-void Object::Settle() noexcept
-{
-    if (firstHole_ == kNoHole)
-        return;
-    std::size_t end = firstHole_;
-    for (std::size_t i = firstHole_; i < order_.size(); ++i) {
-        if (order_[i] == nullptr)
+    // From the last to the first: of a repeated key the last value stays, in the last place.
+    Member* const end = blocks_->End();
+    Member* first = end;
+    for (std::size_t i = keys.size(); i-- > 0;) {
+        if (!index_ && std::any_of(first, end, [&](const Member& other) { return SameKey(other.first, keys[i]); }))
             continue;
-        MemberAt(order_[i]).place = end;
-        order_[end++] = order_[i];
+        new (--first) Member(std::move(keys[i]), std::move(values[i]));
+        if (index_ && !index_->Add(first))
+            (first++)->~Member();
     }
-    order_.resize(end);
-    firstHole_ = kNoHole;
+    while (first != end)
+        order_.push_back(first++);
 }
 
-const Member* Object::Find(std::string_view key) const
+POSITION Object::Find(std::string_view key) const
 {
     if (index_)
         return index_->Find(key);
-    for (const POSITION position : order_) {
-        if (position != nullptr && position->first == key)
-            return &MemberAt(position);
-    }
-    return nullptr;
+    const auto found =
+        std::find_if(order_.begin(), order_.end(), [key](POSITION member) { return SameKey(member->first, key); });
+    return found != order_.end() ? *found : nullptr;
 }
 
 std::shared_ptr<Value>* Object::LastChild() noexcept
 {
-    Settle(); // memory may have run out in the middle of a document
-    return order_.empty() ? nullptr : &MemberAt(order_.back()).second;
+    return order_.empty() ? nullptr : &const_cast<Member*>(order_.back())->second;
 }
 
 void Object::DropLastChild() noexcept
 {
-    Member& member = MemberAt(order_.back());
+    order_.back()->~Member();
     order_.pop_back();
-    Chunk* const chunk = member.chunk;
-    member.~Member();
-    chunk->Release(1);
 }
 
 } // namespace JSON

@@ -1,13 +1,14 @@
 #pragma once
 
 #include <KelInsInfra/json/Value.h>
+#include <span>
 #include <string_view>
 
 namespace JSON {
 
 class KeyIndex;
 class Pool;
-struct Member;
+struct MemberBlock;
 
 /// Members by key, in the order of their insertion. Filled through JSON::Driver.
 class Object : public Value
@@ -29,12 +30,12 @@ public:
     /// value and moves to the end.
     void Insert(std::string key, std::shared_ptr<Value> value);
 
-    /// The same, but a repeated key leaves a hole in the order until Settle closes all holes at once: for whole
-    /// documents, in which many keys may be repeated.
-    void InsertUnsettled(Pool& pool, std::string key, std::shared_ptr<Value> value);
-    void Settle() noexcept;
+    /// The same for all members of an object that is empty yet, one after the other, their keys unescaped already.
+    /// @param shallow  whether the values may be destroyed by recursion.
+    void Fill(Pool& pool, std::span<std::string> keys, std::span<std::shared_ptr<Value>> values, bool shallow);
 
-    const Member* Find(std::string_view key) const;
+    /// Null where there is none.
+    POSITION Find(std::string_view key) const;
 
     const std::vector<POSITION>& Order() const { return order_; }
 
@@ -44,15 +45,13 @@ public:
     /// @endcond
 
 private:
-    static constexpr std::size_t kNoHole = static_cast<std::size_t>(-1);
-
+    void MakeRoomForOne();
     void MakeRoomInIndex();
-    void Replace(Member& member, std::shared_ptr<Value> value) noexcept;
-    void AddMember(Pool& pool, std::string key, std::shared_ptr<Value> value);
 
+    bool shallow_ = false;
     std::vector<POSITION> order_;
+    MemberBlock* blocks_ = nullptr;   ///< the last one
     std::unique_ptr<KeyIndex> index_; ///< only in objects of many members; the others are searched through
-    std::size_t firstHole_ = kNoHole;
 };
 
 } // namespace JSON

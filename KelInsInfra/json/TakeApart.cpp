@@ -19,8 +19,16 @@ void DropLastChild(Value& container) noexcept
         static_cast<Object&>(container).DropLastChild();
 }
 
-} // namespace
+/// Whether releasing the pointer would destroy a container.
+bool IsLastOwnerOfContainer(const std::shared_ptr<Value>& value) noexcept
+{
+    if (!value || !(value->IsArray() || value->IsObject()) || value.use_count() != 1)
+        return false;
+    std::shared_ptr<Value>(value).reset(); // use_count alone does not order us after the owners that let go before
+    return true;
+}
 
+/// Releases a container of which this is the last owner.
 void TakeApart(std::shared_ptr<Value> container) noexcept
 {
     std::shared_ptr<Value> parent; // each container on the way up lies in the last place of the one taken apart in it
@@ -40,6 +48,17 @@ void TakeApart(std::shared_ptr<Value> container) noexcept
         } else {
             DropLastChild(*container);
         }
+    }
+}
+
+} // namespace
+
+void DestroyChildren(Value& container) noexcept
+{
+    while (std::shared_ptr<Value>* const last = LastChild(container)) {
+        if (IsLastOwnerOfContainer(*last))
+            TakeApart(std::move(*last));
+        DropLastChild(container);
     }
 }
 

@@ -1,7 +1,6 @@
 #include <KelInsInfra/json/Array.h>
 #include <KelInsInfra/json/Item.h>
 #include <KelInsInfra/json/Object.h>
-#include <KelInsInfra/json/internal/Member.h>
 #include <KelInsInfra/json/internal/TextOutput.h>
 #include <KelInsInfra/json/internal/Writer.h>
 #include <algorithm>
@@ -95,7 +94,7 @@ const std::vector<std::shared_ptr<Value>>& Value::GetArrayValues() const
 
 std::shared_ptr<Value> Value::GetObjectValue(const std::string& key) const
 {
-    const Member* const member = IsObject() ? static_cast<const Object&>(*this).Find(key) : nullptr;
+    const POSITION member = IsObject() ? static_cast<const Object&>(*this).Find(key) : nullptr;
     return member != nullptr ? member->second : nullptr;
 }
 

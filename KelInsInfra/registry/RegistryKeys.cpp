@@ -70,9 +70,10 @@ REGSAM ViewFlag(RegistryView view)
 Key CreateSubkey(HKEY parent, const std::string& subkey, RegistryView view)
 {
     HKEY handle = nullptr;
-    const LSTATUS status = ::RegCreateKeyExW(parent, KelInsString::Widen(subkey).c_str(), 0, nullptr, 0,
-                                             KEY_READ | KEY_WRITE | ViewFlag(view), nullptr, &handle,
-                                             nullptr); // whether it was new: not asked
+    const LSTATUS status = CallWithName(subkey, [&](const wchar_t* name) {
+        return ::RegCreateKeyExW(parent, name, 0, nullptr, 0, KEY_READ | KEY_WRITE | ViewFlag(view), nullptr, &handle,
+                                 nullptr); // whether it was new: not asked
+    });
     if (status != ERROR_SUCCESS)
         Fail("CreateKey - " + subkey + ", " + ViewName(view), status);
     return Key(handle);
@@ -80,10 +81,11 @@ Key CreateSubkey(HKEY parent, const std::string& subkey, RegistryView view)
 
 void DeleteSubkey(HKEY parent, const std::string& subkey, RegistryView view)
 {
-    const std::wstring wideSubkey = KelInsString::Widen(subkey);
-    const LSTATUS status = view == RegistryView::DoNotForceRegView || !KelInsSys::IsRTOS64()
-                               ? ::RegDeleteKeyW(parent, wideSubkey.c_str())
-                               : ::RegDeleteKeyExW(parent, wideSubkey.c_str(), ViewFlag(view), 0);
+    const LSTATUS status = CallWithName(subkey, [&](const wchar_t* name) {
+        return view == RegistryView::DoNotForceRegView || !KelInsSys::IsRTOS64()
+                   ? ::RegDeleteKeyW(parent, name)
+                   : ::RegDeleteKeyExW(parent, name, ViewFlag(view), 0);
+    });
     if (status != ERROR_SUCCESS)
         Fail("DeleteKey - " + subkey + ", " + ViewName(view), status);
 }
@@ -117,7 +119,8 @@ Key OpenSubkey(HKEY parent, const std::string& subkey, AccessRights access, Regi
 {
     const REGSAM mask = KEY_READ | ViewFlag(view) | (access == AccessRights::ReadWrite ? KEY_WRITE : 0);
     HKEY handle = nullptr;
-    const LSTATUS status = ::RegOpenKeyExW(parent, KelInsString::Widen(subkey).c_str(), 0, mask, &handle);
+    const LSTATUS status =
+        CallWithName(subkey, [&](const wchar_t* name) { return ::RegOpenKeyExW(parent, name, 0, mask, &handle); });
     if (status != ERROR_SUCCESS)
         FailToOpen(subkey, access, view, status);
     return Key(handle);

@@ -9,9 +9,10 @@ namespace {
 void Read(HKEY key, const std::string& name, std::int32_t& value, RegistryView view)
 {
     DWORD byteCount = sizeof(value);
-    const LSTATUS status = ::RegQueryValueExW(key, KelInsString::Widen(name).c_str(), nullptr,
-                                              nullptr, // stored type: not checked
-                                              reinterpret_cast<BYTE*>(&value), &byteCount);
+    const LSTATUS status = CallWithName(name, [&](const wchar_t* wideName) {
+        return ::RegQueryValueExW(key, wideName, nullptr, nullptr, // stored type: not checked
+                                  reinterpret_cast<BYTE*>(&value), &byteCount);
+    });
     if (status != ERROR_SUCCESS)
         Fail("GetValue - " + name + ", " + ViewName(view), status);
 }
@@ -20,9 +21,10 @@ void Read(HKEY key, const std::string& name, std::string& value, RegistryView vi
 {
     const std::wstring wideName = KelInsString::Widen(name);
     DWORD byteCount = 0;
-    const LSTATUS sizeStatus = ::RegQueryValueExW(key, wideName.c_str(), nullptr,
-                                                  nullptr, // stored type: not checked
-                                                  nullptr, &byteCount);
+    const LSTATUS sizeStatus = IsLost(name, wideName) ? ERROR_NO_UNICODE_TRANSLATION
+                                                      : ::RegQueryValueExW(key, wideName.c_str(), nullptr,
+                                                                           nullptr, // stored type: not checked
+                                                                           nullptr, &byteCount);
     if (sizeStatus != ERROR_SUCCESS)
         Fail("GetValue - " + name, sizeStatus);
     // A unit for each byte, and one more: what is stored need not end in a NUL, nor have an even size.
@@ -47,9 +49,13 @@ void Write(HKEY key, const std::string& name, const std::string& value)
     LSTATUS status = ERROR_INVALID_PARAMETER; // more than a value can hold
     if (byteCount <= std::numeric_limits<DWORD>::max()) {
         std::wstring units = KelInsString::Widen(value);
+        const bool isLost = IsLost(value, units);
         units.resize(unitCount, L'\0');
-        status = ::RegSetValueExW(key, KelInsString::Widen(name).c_str(), 0, REG_SZ,
-                                  reinterpret_cast<const BYTE*>(units.data()), static_cast<DWORD>(byteCount));
+        status = CallWithName(name, [&](const wchar_t* wideName) {
+            return isLost ? ERROR_NO_UNICODE_TRANSLATION
+                          : ::RegSetValueExW(key, wideName, 0, REG_SZ, reinterpret_cast<const BYTE*>(units.data()),
+                                             static_cast<DWORD>(byteCount));
+        });
     }
     if (status != ERROR_SUCCESS)
         Fail("SetValue - " + name + ", " + value, status);
@@ -57,15 +63,17 @@ void Write(HKEY key, const std::string& name, const std::string& value)
 
 void Write(HKEY key, const std::string& name, std::int32_t value)
 {
-    const LSTATUS status = ::RegSetValueExW(key, KelInsString::Widen(name).c_str(), 0, REG_DWORD,
-                                            reinterpret_cast<const BYTE*>(&value), sizeof(value));
+    const LSTATUS status = CallWithName(name, [&](const wchar_t* wideName) {
+        return ::RegSetValueExW(key, wideName, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), sizeof(value));
+    });
     if (status != ERROR_SUCCESS)
         Fail("SetValue - " + name + ", " + std::to_string(value), status);
 }
 
 void Delete(HKEY key, const std::string& name)
 {
-    const LSTATUS status = ::RegDeleteValueW(key, KelInsString::Widen(name).c_str());
+    const LSTATUS status =
+        CallWithName(name, [&](const wchar_t* wideName) { return ::RegDeleteValueW(key, wideName); });
     if (status != ERROR_SUCCESS)
         Fail("DeleteValue - " + name, status);
 }

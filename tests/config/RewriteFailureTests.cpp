@@ -22,6 +22,7 @@ const std::wstring kCRuntime = L"msvcrt.dll";
 using WsopenHook = ImportHook<int(int*, const wchar_t*, int, int, int)>;
 using FdopenHook = ImportHook<void*(int, const char*)>;
 using ReadHook = ImportHook<int(int, void*, unsigned)>;
+using SeekHook = ImportHook<std::int64_t(int, std::int64_t, int)>;
 using WriteHook = ImportHook<int(int, const void*, unsigned)>;
 using WriteFileHook = ImportHook<BOOL(HANDLE, const void*, DWORD, DWORD*, OVERLAPPED*)>;
 using ReadFileHook = ImportHook<BOOL(HANDLE, void*, DWORD, DWORD*, OVERLAPPED*)>;
@@ -356,6 +357,9 @@ std::vector<FailureCase> FailureCases()
         {"OpenFileAsStream",
          [](auto&) { return FailNth<FdopenHook>("_fdopen", 1, nullptr, Errno(EMFILE), {kCppRuntime}); },
          Text::FailedToOpenFile, "old", "missing", true},
+        {"SeekBackBeforeReading",
+         [](auto&) { return FailNth<SeekHook>("_lseeki64", 2, std::int64_t{-1}, Errno(EIO), {kCppRuntime}); },
+         Text::FailedToReadFile, "old", "missing", true},
         {"ReadFile", [](auto&) { return FailNth<ReadHook>("_read", 1, -1, Errno(EIO), {kCppRuntime}); },
          Text::FailedToReadFile, "old", "missing", true},
         {"ReadLaterBlock", [](auto&) { return FailNth<ReadHook>("_read", 2, -1, Errno(EIO), {kCppRuntime}); },
@@ -562,6 +566,18 @@ TEST_P(RewriteProtocol, OverwritesALeftoverThatCannotBeRemoved)
     EXPECT_EQ(scene.Rewrite(), "");
     EXPECT_EQ(scene.StateOf(scene.File()), "new");
     EXPECT_EQ(scene.StateOf(scene.Temporary()), "missing");
+}
+
+/// One that cannot be asked about is not taken for a missing one, and overwritten.
+TEST(WriteOfAnExistingFile, KeepsItsLinesThoughItSeemsMissing)
+{
+    const Scene scene(kIniWrite);
+    for (const int error : {EACCES, ENOENT}) {
+        ImportHook<errno_t(const wchar_t*, int)> access("_waccess_s");
+        access.FailFrom(1, error, Errno(error));
+        EXPECT_EQ(scene.Rewrite(), "");
+        EXPECT_EQ(scene.StateOf(scene.File()), "new");
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Both, RewriteProtocol, testing::Values(kReplaceInLines, kIniWrite),

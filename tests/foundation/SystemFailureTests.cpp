@@ -123,6 +123,13 @@ TEST(ErrorText, LosesOneFinalLineEndAlone)
     }
 }
 
+TEST(ToSizeT, NeedsNoMemory)
+{
+    ImportHook<void*(std::size_t)> memory("malloc");
+    memory.FailFrom(1, nullptr, Errno(ENOMEM));
+    EXPECT_EQ(KelInsString::ToSize_t("34y", 5), 34U);
+}
+
 TEST(EnvironmentFailure, IsNotReported)
 {
     KelInsEnv::PutEnv("KELINS_TEST_FAILURE", "before"); // the stubs are looked up by now

@@ -2,7 +2,7 @@
 # check.sh BUILD_FOLDER: makes every kind of package of what was built there: an installed folder (moved afterwards), the ZIP, and the
 # Windows installer, which is run silently under Wine. Builds the consumer project against each of them, with the shared and with the
 # static library, and runs its programs with nothing but what the package put beside them.
-set -euo pipefail
+set -euo pipefail # so no "grep -q" behind a pipe: what writes into it would fail when that leaves early
 build=$1
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 root=$(cd "$here/../.." && pwd)
@@ -56,13 +56,33 @@ mv "$work/first" "$work/installed"
 ! grep -rlE "$build|$root" "$work/installed" || fail "the files above name folders of this machine"
 check_consumer installed "$work/installed"
 version=$(sed -n 's/^set(PACKAGE_VERSION "\(.*\)")/\1/p' "$work/installed"/lib/cmake/KelInsInfra/KelInsInfraConfigVersion.cmake)
+fits() { # VERSION: whether find_package(KelInsInfra VERSION) takes the package
+    cat >"$work/version.cmake" <<CMAKE
+set(PACKAGE_FIND_VERSION $1)
+string(REGEX MATCH "^[0-9]+" PACKAGE_FIND_VERSION_MAJOR $1)
+set(CMAKE_SIZEOF_VOID_P 8)
+include("$work/installed/lib/cmake/KelInsInfra/KelInsInfraConfigVersion.cmake")
+if(NOT PACKAGE_VERSION_COMPATIBLE)
+    message(FATAL_ERROR "no")
+endif()
+CMAKE
+    cmake -P "$work/version.cmake" >"$work/log" 2>&1
+}
+major=${version%%.*}
+fits "$major" && fits "$version" || fail "the package does not take its own version"
+! fits $((major + 1)) && ! fits "$major.999" || fail "the package takes another version"
+! cmake -S "$here" -B "$work/native-build" -G Ninja -DCMAKE_PREFIX_PATH="$work/installed" >"$work/log" 2>&1 ||
+    fail "the package is taken by a compiler of this machine"
+grep -q 'for MinGW-w64' "$work/log" || { cat "$work/log"; fail "the refusal does not say why"; }
+
 for dll in "$work"/installed/bin/*.dll; do
-    ! x86_64-w64-mingw32-objdump -h "$dll" | grep -q '\.debug_' || fail "$dll has debug symbols"
+    ! x86_64-w64-mingw32-objdump -h "$dll" | grep '\.debug_' >/dev/null || fail "$dll has debug symbols"
 done
-x86_64-w64-mingw32-objdump -s --section=.gnu_debuglink "$work/installed/bin/KelInsInfra.dll" | grep -q KelInsInf || fail "no link to the symbols"
+x86_64-w64-mingw32-objdump -p "$work/installed/bin/KelInsInfra.dll" | grep '^Time/Date.* 1970$' >/dev/null || fail "the DLL has the time in it"
+x86_64-w64-mingw32-objdump -s --section=.gnu_debuglink "$work/installed/bin/KelInsInfra.dll" | grep KelInsInf >/dev/null || fail "no link to the symbols"
 code=$(x86_64-w64-mingw32-objdump -t "$work/installed/bin/KelInsInfra.dll.debug" | grep -c 'KelInsIO.*Path') || true
 [ "$code" -gt 10 ] || fail "the debug symbols do not name our functions"
-x86_64-w64-mingw32-objdump -h "$work/installed/bin/KelInsInfra.dll.debug" | grep -q '\.debug_line' || fail "the debug symbols have no lines"
+x86_64-w64-mingw32-objdump -h "$work/installed/bin/KelInsInfra.dll.debug" | grep '\.debug_line' >/dev/null || fail "the debug symbols have no lines"
 
 # The same by pkg-config's files.
 pc() { PKG_CONFIG_LIBDIR=$work/installed/lib/pkgconfig pkg-config "$@"; }
@@ -87,7 +107,7 @@ installer=$(ls "$work"/packages/KelInsInfra-*.exe)
 "$wine" "$installer" /S "/D=$sdk" </dev/null
 check_consumer installer "$prefix/drive_c/KelInsSdkTest"
 diff -r --exclude=Uninstall.exe "$work/installed" "$prefix/drive_c/KelInsSdkTest" || fail "what the installer installs differs"
-"$wine" reg query "$uninstall_key" /v DisplayVersion </dev/null | grep -q "$version" || fail "Windows does not list the SDK"
+"$wine" reg query "$uninstall_key" /v DisplayVersion </dev/null | grep "$version" >/dev/null || fail "Windows does not list the SDK"
 "$wine" "$sdk\\Uninstall.exe" /S "_?=$sdk" </dev/null
 [ "$(ls "$prefix/drive_c/KelInsSdkTest")" = Uninstall.exe ] || fail "the uninstaller leaves files"
 ! "$wine" reg query "$uninstall_key" </dev/null >/dev/null 2>&1 || fail "Windows still lists the SDK"

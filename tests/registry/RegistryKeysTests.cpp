@@ -169,6 +169,27 @@ TEST_F(RegistryKeys, DeleteRefusesAKeyWithSubkeysAndTreeRemovesIt)
     EXPECT_FALSE(Exists(root_.Handle(), "a"));
 }
 
+/// The empty name that is left would be that of the parent itself.
+TEST_F(RegistryKeys, NameWhoseConversionFailsReachesNoKey)
+{
+    MakeKey(root_.Handle(), L"\u00E9\\a");
+    MakeKey(root_.Handle(), L"kept");
+    ImportHook<int(UINT, DWORD, LPCCH, int, LPWSTR, int)> widen("MultiByteToWideChar");
+    widen.FailFrom(1, 0, LastError(ERROR_NO_UNICODE_TRANSLATION));
+    const auto failure = [](const std::string& message) {
+        return SystemFailure(message, ERROR_NO_UNICODE_TRANSLATION);
+    };
+    ExpectThrowsText<std::runtime_error>([&] { OpenKey(parent_, "\xC3\xA9", AccessRights::ReadOnly, kNoView); },
+                                         failure("OpenKey - \xC3\xA9, ReadOnly, DoNotForceRegView"));
+    ExpectThrowsText<std::runtime_error>([&] { CreateKey(parent_, "\xC3\xA9", kNoView); },
+                                         failure("CreateKey - \xC3\xA9, DoNotForceRegView"));
+    ExpectThrowsText<std::runtime_error>([&] { DeleteKey(parent_, "\xC3\xA9", kNoView); },
+                                         failure("DeleteKey - \xC3\xA9, DoNotForceRegView"));
+    ExpectThrowsText<std::runtime_error>([&] { DeleteKeyTree(parent_, "\xC3\xA9", kNoView); },
+                                         failure("OpenKey - \xC3\xA9, ReadOnly, DoNotForceRegView"));
+    EXPECT_TRUE(Exists(root_.Handle(), "kept"));
+}
+
 /// The paths handed to RegDeleteKeyW, in order.
 class DeletionOrder
 {

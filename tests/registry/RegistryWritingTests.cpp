@@ -106,6 +106,31 @@ TEST_F(RegistryValues, NamesAreUtf8AndIgnoreLetterCase)
     EXPECT_THROW(Integer("\xC3\x84pfel"), std::runtime_error);
 }
 
+/// The empty name that is left would be that of the default value, and an empty text would be stored for another.
+TEST_F(RegistryValues, NothingIsReadOrWrittenWhereAConversionFails)
+{
+    SetValue(key_, "", "default");
+    SetValue(key_, "name", "before");
+    ImportHook<int(UINT, DWORD, LPCCH, int, LPWSTR, int)> widen("MultiByteToWideChar");
+    widen.FailFrom(1, 0, LastError(ERROR_NO_UNICODE_TRANSLATION));
+    const auto failure = [](const std::string& message) {
+        return SystemFailure(message, ERROR_NO_UNICODE_TRANSLATION);
+    };
+    std::int32_t number = 0;
+    std::string text;
+    ExpectThrowsText<std::runtime_error>([&] { GetValue(key_, "\xC3\xA9", text, kNoView); },
+                                         failure("GetValue - \xC3\xA9"));
+    ExpectThrowsText<std::runtime_error>([&] { GetValue(key_, "\xC3\xA9", number, kNoView); },
+                                         failure("GetValue - \xC3\xA9, DoNotForceRegView"));
+    ExpectThrowsText<std::runtime_error>([&] { SetValue(key_, "\xC3\xA9", "x"); }, failure("SetValue - \xC3\xA9, x"));
+    ExpectThrowsText<std::runtime_error>([&] { SetValue(key_, "\xC3\xA9", 1); }, failure("SetValue - \xC3\xA9, 1"));
+    ExpectThrowsText<std::runtime_error>([&] { SetValue(key_, "name", "\xC3\xA9"); },
+                                         failure("SetValue - name, \xC3\xA9"));
+    ExpectThrowsText<std::runtime_error>([&] { DeleteValue(key_, "\xC3\xA9"); }, failure("DeleteValue - \xC3\xA9"));
+    EXPECT_EQ(Text(""), "default");
+    EXPECT_EQ(Text("name"), "before");
+}
+
 TEST_F(RegistryValues, FailedWritesNameTheValue)
 {
     const Key readOnly = OpenKey(RootKey::CurrentUser, root_.Path(), AccessRights::ReadOnly, kNoView);

@@ -31,18 +31,19 @@ void CollectNames(const std::wstring& directory, const std::wstring& prefix, std
     } while (::FindNextFileW(search.Get(), &record));
 }
 
-/// What cannot be removed stays.
-void RemoveTree(const std::wstring& directory)
+void RemoveAllBelow(const std::wstring& directory)
 {
     WIN32_FIND_DATAW record;
     UniqueFindHandle search(::FindFirstFileW((directory + L"\\*").c_str(), &record));
     while (search) {
         const std::wstring name = record.cFileName;
         const std::wstring path = directory + L'\\' + name;
+        if ((record.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0)
+            ::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
         if ((record.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
             ::DeleteFileW(path.c_str());
         else if (name != L"." && name != L"..")
-            RemoveTree(path);
+            RemoveAllBelow(path);
         if (!::FindNextFileW(search.Get(), &record))
             search.Reset();
     }
@@ -124,10 +125,17 @@ void MakeFile(const std::string& path, std::string_view content)
 void MakeDirectories(const std::string& path)
 {
     const std::wstring widePath = KelInsString::Widen(path);
+    if (::CreateDirectoryW(widePath.c_str(), nullptr)) // what is above it exists mostly
+        return;
     for (std::size_t end = widePath.find(L'\\'); end != std::wstring::npos; end = widePath.find(L'\\', end + 1))
         ::CreateDirectoryW(widePath.substr(0, end).c_str(), nullptr); // most of them exist
     if (!::CreateDirectoryW(widePath.c_str(), nullptr) && ::GetLastError() != ERROR_ALREADY_EXISTS)
         Fail("cannot create " + path);
+}
+
+void RemoveTree(const std::string& directory)
+{
+    RemoveAllBelow(KelInsString::Widen(directory));
 }
 
 std::string FileContent(const std::string& path)
@@ -166,7 +174,7 @@ LongDirectory::LongDirectory(const std::string& parent) : top_(parent + '\\' + s
 
 LongDirectory::~LongDirectory()
 {
-    RemoveTree(KelInsString::Widen(top_));
+    RemoveAllBelow(KelInsString::Widen(top_));
 }
 
 DirectoryLink::DirectoryLink(const std::string& link, const std::string& target) : link_(KelInsString::Widen(link))

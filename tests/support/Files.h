@@ -11,6 +11,9 @@ void MakeFile(const std::string& path, std::string_view content = "x");
 /// Also of a directory above it that is missing.
 void MakeDirectories(const std::string& path);
 
+/// A directory with all in it, read-only files too; what cannot be removed stays.
+void RemoveTree(const std::string& directory);
+
 /// @throws std::runtime_error  when the file cannot be read.
 std::string FileContent(const std::string& path);
 

@@ -29,20 +29,11 @@ HMODULE LibraryModule()
     return library != nullptr ? library : ::GetModuleHandleW(nullptr);
 }
 
-void CollectImports(const Image& image, const std::string& function, std::vector<void**>& slots)
+void CollectImports(HMODULE module, const std::string& function, std::vector<void**>& slots)
 {
-    const DWORD directory = image.headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-    for (auto* from = image.At<IMAGE_IMPORT_DESCRIPTOR>(directory); from->Name != 0; ++from) {
-        const auto* name = image.At<IMAGE_THUNK_DATA>(from->OriginalFirstThunk);
-        auto* slot = image.At<void*>(from->FirstThunk);
-        for (; name->u1.AddressOfData != 0; ++name, ++slot) {
-            if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal))
-                continue;
-            const auto* entry = image.At<IMAGE_IMPORT_BY_NAME>(static_cast<DWORD>(name->u1.AddressOfData));
-            if (function == reinterpret_cast<const char*>(&entry->Name[0]))
-                slots.push_back(slot);
-        }
-    }
+    for (const ImportedFunction& imported : ImportedFunctions(module))
+        if (imported.name == function)
+            slots.push_back(imported.slot);
 }
 
 std::span<const IMAGE_SECTION_HEADER> Sections(const Image& image)
@@ -72,23 +63,40 @@ bool CollectSlots(HMODULE module, const std::string& function, std::vector<void*
 {
     const std::size_t before = slots.size();
     if (module != nullptr) {
-        const Image image(module);
-        CollectImports(image, function, slots);
+        CollectImports(module, function, slots);
         if (slots.size() == before)
-            CollectStubVariables(image, function, slots);
+            CollectStubVariables(Image(module), function, slots);
     }
     return slots.size() != before;
 }
 
-void Write(void** slot, void* value)
+} // namespace
+
+std::vector<ImportedFunction> ImportedFunctions(HMODULE module)
+{
+    std::vector<ImportedFunction> functions;
+    const Image image(module);
+    const DWORD directory = image.headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    for (auto* from = image.At<IMAGE_IMPORT_DESCRIPTOR>(directory); from->Name != 0; ++from) {
+        const auto* name = image.At<IMAGE_THUNK_DATA>(from->OriginalFirstThunk);
+        auto* slot = image.At<void*>(from->FirstThunk);
+        for (; name->u1.AddressOfData != 0; ++name, ++slot) {
+            if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal))
+                continue;
+            const auto* entry = image.At<IMAGE_IMPORT_BY_NAME>(static_cast<DWORD>(name->u1.AddressOfData));
+            functions.push_back({image.At<char>(from->Name), reinterpret_cast<const char*>(&entry->Name[0]), slot});
+        }
+    }
+    return functions;
+}
+
+void RedirectSlot(void** slot, void* target)
 {
     DWORD protection = 0;
     ::VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection);
-    std::memcpy(slot, &value, sizeof(value));
+    std::memcpy(slot, &target, sizeof(target));
     ::VirtualProtect(slot, sizeof(*slot), protection, &protection);
 }
-
-} // namespace
 
 ImportSlots::ImportSlots(const std::string& function, const std::vector<std::wstring>& alsoIn, void* target)
 {
@@ -99,11 +107,11 @@ ImportSlots::ImportSlots(const std::string& function, const std::vector<std::wst
         throw std::runtime_error("ImportHook: a module does not call (or has not yet looked up) " + function);
     original_ = *slots_.front();
     for (void** slot : slots_)
-        Write(slot, target);
+        RedirectSlot(slot, target);
 }
 
 ImportSlots::~ImportSlots()
 {
     for (void** slot : slots_)
-        Write(slot, original_);
+        RedirectSlot(slot, original_);
 }

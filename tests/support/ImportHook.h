@@ -13,6 +13,20 @@
 #include <utility>
 #include <vector>
 
+/// A slot of a module's import directory.
+struct ImportedFunction
+{
+    std::string module; ///< file name, as the directory spells it
+    std::string name;
+    void** slot;
+};
+
+/// All that a module imports by name.
+std::vector<ImportedFunction> ImportedFunctions(HMODULE module);
+
+/// Makes a slot, or a variable of the compiler's stubs, hold another address.
+void RedirectSlot(void** slot, void* target);
+
 /// The places through which loaded modules call one function, redirected while this lives.
 ///
 /// Mostly these are the slots of the import directory. Functions such as _waccess_s, which the compiler's own library

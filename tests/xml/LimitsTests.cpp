@@ -1,6 +1,6 @@
 // Depth, size and memory: what must neither crash, nor hang, nor leak.
 
-#include "Heap.h"
+#include "tests/support/Heap.h"
 #include "SmallStack.h"
 #include "tests/support/Growth.h"
 

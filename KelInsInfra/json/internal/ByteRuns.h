@@ -3,6 +3,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <emmintrin.h>
 #include <string_view>
 
 namespace JSON {
@@ -25,42 +26,6 @@ constexpr std::uint64_t FirstZeroByte(std::uint64_t word)
     return (word - EachByte(1)) & ~word & EachByte(0x80);
 }
 
-/// Index of the byte in memory to which the lowest set bit belongs.
-constexpr std::size_t ByteOfLowestBit(std::uint64_t word)
-{
-    static_assert(std::endian::native == std::endian::little);
-    return static_cast<std::size_t>(std::countr_zero(word)) / 8;
-}
-
-/// Number of bytes before the first quote or backslash.
-inline std::size_t PlainStringRun(std::string_view text)
-{
-    std::size_t i = 0;
-    for (; i + 8 <= text.size(); i += 8) {
-        const std::uint64_t word = EightBytes(text.data() + i);
-        const std::uint64_t found = FirstZeroByte(word ^ EachByte('"')) | FirstZeroByte(word ^ EachByte('\\'));
-        if (found != 0)
-            return i + ByteOfLowestBit(found);
-    }
-    while (i < text.size() && text[i] != '"' && text[i] != '\\')
-        ++i;
-    return i;
-}
-
-/// Number of bytes before the first backslash.
-inline std::size_t RunBeforeBackslash(std::string_view text)
-{
-    std::size_t i = 0;
-    for (; i + 8 <= text.size(); i += 8) {
-        const std::uint64_t found = FirstZeroByte(EightBytes(text.data() + i) ^ EachByte('\\'));
-        if (found != 0)
-            return i + ByteOfLowestBit(found);
-    }
-    while (i < text.size() && text[i] != '\\')
-        ++i;
-    return i;
-}
-
 /// Whether none of the eight bytes is a quote, a backslash or a control byte.
 constexpr bool NeedNoEscape(std::uint64_t word)
 {
@@ -68,27 +33,60 @@ constexpr bool NeedNoEscape(std::uint64_t word)
     return (control | FirstZeroByte(word ^ EachByte('"')) | FirstZeroByte(word ^ EachByte('\\'))) == 0;
 }
 
+inline __m128i SixteenBytes(const char* bytes)
+{
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+}
+
+/// A bit for each of the bytes that is the given one, the lowest for the first byte.
+inline unsigned Equal(__m128i bytes, char byte)
+{
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte))));
+}
+
+/// The first backslash, or the end.
+inline const char* FindBackslash(const char* begin, const char* end)
+{
+    for (; end - begin >= 16; begin += 16) {
+        if (const unsigned found = Equal(SixteenBytes(begin), '\\'); found != 0)
+            return begin + std::countr_zero(found);
+    }
+    while (begin != end && *begin != '\\')
+        ++begin;
+    return begin;
+}
+
+constexpr std::size_t kReadBeyond = 16; ///< memory that must be there after what these two look at
+
+/// The first quote or backslash, or the end.
+inline char* FindQuoteOrBackslash(char* begin, char* end)
+{
+    for (; begin < end; begin += 16) {
+        const __m128i bytes = SixteenBytes(begin);
+        if (const unsigned found = Equal(bytes, '"') | Equal(bytes, '\\'); found != 0) {
+            begin += std::countr_zero(found);
+            break;
+        }
+    }
+    return begin < end ? begin : end;
+}
+
 constexpr bool IsWhiteSpace(char c)
 {
     return c == ' ' || c == '\n' || c == '\t';
 }
 
-/// Number of blanks, tabs and line feeds at the beginning.
-inline std::size_t WhiteSpaceRun(std::string_view text)
+/// The first byte that is no blank, tab or line feed; there must be one.
+inline char* FindNoWhiteSpace(char* next)
 {
-    std::size_t i = 0;
-    while (i < text.size() && IsWhiteSpace(text[i])) {
-        ++i;
-        while (i + 8 <= text.size()) { // the rest of the line's indentation
-            const std::uint64_t others = EightBytes(text.data() + i) ^ EachByte(' ');
-            if (others != 0) {
-                i += ByteOfLowestBit(others);
-                break;
-            }
-            i += 8;
-        }
+    while (IsWhiteSpace(*next)) {
+        ++next; // then the rest of the line's indentation
+        unsigned others = 0;
+        while ((others = Equal(SixteenBytes(next), ' ') ^ 0xFFFF) == 0)
+            next += 16;
+        next += std::countr_zero(others);
     }
-    return i;
+    return next;
 }
 
 } // namespace JSON

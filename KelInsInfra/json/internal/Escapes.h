@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <string>
 #include <string_view>
 
 namespace JSON {
@@ -29,5 +30,7 @@ inline char EscapeLetter(char byte)
 /// Writes the text with its escapes resolved and returns the end of it.
 /// @param out  room for the whole text; may be the text itself.
 char* Unescape(std::string_view text, char* out);
+
+void UnescapeInPlace(std::string& text);
 
 } // namespace JSON

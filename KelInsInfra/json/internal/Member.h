@@ -1,28 +1,32 @@
 #pragma once
 
 #include <KelInsInfra/json/Value.h>
+#include <KelInsInfra/json/internal/Pool.h>
 #include <cstddef>
 #include <utility>
 
 namespace JSON {
 
-class Chunk;
-
 /// One member of an object, where positions point to.
-struct Member : std::pair<const std::string, std::shared_ptr<Value>>
-{
-    Member(std::string key, std::shared_ptr<Value> value, Chunk& memory, std::size_t index)
-        : pair(std::move(key), std::move(value)), chunk(&memory), place(index)
-    {}
+using Member = std::pair<const std::string, std::shared_ptr<Value>>;
 
-    Chunk* chunk;      ///< in which it lies
-    std::size_t place; ///< its index in the object's order
+/// Memory for some members of an object, which follow it. They stay where they are as long as the object lives.
+struct MemberBlock
+{
+    /// @param previous  of the same object.
+    static MemberBlock* Create(Pool& pool, std::size_t capacity, MemberBlock* previous);
+
+    /// Gives back this block and the ones before it; their members are destroyed already.
+    static void ReleaseAll(MemberBlock* last) noexcept;
+
+    Member* Begin() { return reinterpret_cast<Member*>(this + 1); }
+
+    Member* End() { return Begin() + capacity; }
+
+    MemberBlock* previous;
+    Chunk* chunk; ///< in which it lies
+    std::size_t capacity;
+    std::size_t used;
 };
-
-/// The member behind a position that the object itself handed out.
-inline Member& MemberAt(POSITION position)
-{
-    return const_cast<Member&>(static_cast<const Member&>(*position));
-}
 
 } // namespace JSON

@@ -2,21 +2,30 @@
 
 #ifndef yyFlexLexerOnce // the generated source has it already
 #undef yyFlexLexer
-#define yyFlexLexer JSONFlexLexer // a name of our own: a host may have scanners of the same kind
+#define yyFlexLexer KelInsJSONFlexLexer // a name of our own: a host may have scanners of the same kind
 #include <FlexLexer.h>
 #undef yyFlexLexer
 #endif
-#include <istream>
+#include <streambuf>
 #include <string>
 #include <string_view>
 
 namespace JSON {
 
 /// Makes tokens of JSON text. Bytes that fit no token are echoed to std::cout.
-class Scanner : public JSONFlexLexer
+class Scanner final : public KelInsJSONFlexLexer
 {
 public:
-    explicit Scanner(std::istream& in);
+    /// A number as written, or what stands between the quotes of a string.
+    struct Text
+    {
+        std::string_view bytes;
+        bool hasEscapes = false; ///< backslashes, as written
+    };
+
+    /// @param source  may be null: that is no text.
+    /// @param expectedSize  of the text, where it is known.
+    explicit Scanner(std::streambuf* source, std::size_t expectedSize = kLargestBuffer);
     ~Scanner() override;
     Scanner(const Scanner&) = delete;
     Scanner& operator=(const Scanner&) = delete;
@@ -24,18 +33,25 @@ public:
     /// The next token's number, 0 at the end of input.
     int yylex() override;
 
-    /// The text of the last number (as written) or string (between its quotes, escapes as written). A number's is valid
-    /// until the next token is asked for, a string's until the next string.
-    const std::string_view& TokenText() const { return text_; }
+    /// Of the last number or string. A number's is valid until the next token is asked for, a string's until the next
+    /// but one.
+    const Text& TokenText() const { return text_; }
 
 private:
+    static constexpr std::size_t kLargestBuffer = 16384; ///< at first; it grows for a number that is longer
+
     [[noreturn]] void LexerError(const char* message) override;
 
-    void MakeBuffer();
-    std::string_view BytesAhead();
+    void MakeBuffer(std::size_t size);
+    char* EndOfBuffer() const;
+    char* NextByte();
+    void GoOnAt(char* next);
+    void SkipWhiteSpace(char* next);
+    bool TakeString();
+    bool TakeNumber();
 
     std::string string_;
-    std::string_view text_;
+    Text text_;
 };
 
 } // namespace JSON

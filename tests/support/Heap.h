@@ -5,14 +5,23 @@
 /// The C++ heap of this program, counted, and exhausted on demand.
 namespace Heap {
 
-/// Allocations on this thread fail from now on after this many; of the next of these objects the count starts anew.
+/// While this lives, allocations fail after this many: all later ones, or the next one alone.
 class Exhaustion
 {
 public:
-    explicit Exhaustion(std::size_t allocationsLeft);
+    enum class Lasts
+    {
+        ForAll,
+        ForOne
+    };
+
+    explicit Exhaustion(std::size_t allocationsLeft, Lasts lasts = Lasts::ForAll);
     ~Exhaustion();
     Exhaustion(const Exhaustion&) = delete;
     Exhaustion& operator=(const Exhaustion&) = delete;
+
+    /// Whether an allocation failed.
+    static bool Happened();
 };
 
 /// Blocks in use, of all threads.

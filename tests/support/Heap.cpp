@@ -13,17 +13,40 @@ constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 std::atomic<std::size_t> blocksInUse{0};
 std::atomic<std::size_t> allocations{0};
 std::atomic<std::size_t> allocationsLeft{kNoLimit}; // exhaustion is tried on one thread only
+std::atomic<bool> failsOnce{false};
+std::atomic<bool> happened{false};
+
+void CountDown()
+{
+    if (allocationsLeft == kNoLimit)
+        return;
+    if (allocationsLeft > 0) {
+        --allocationsLeft;
+        return;
+    }
+    happened = true;
+    if (failsOnce)
+        allocationsLeft = kNoLimit;
+    throw std::bad_alloc();
+}
 
 } // namespace
 
-Heap::Exhaustion::Exhaustion(std::size_t left)
+Heap::Exhaustion::Exhaustion(std::size_t left, Lasts lasts)
 {
+    happened = false;
+    failsOnce = lasts == Lasts::ForOne;
     allocationsLeft = left;
 }
 
 Heap::Exhaustion::~Exhaustion()
 {
     allocationsLeft = kNoLimit;
+}
+
+bool Heap::Exhaustion::Happened()
+{
+    return happened;
 }
 
 std::size_t Heap::BlocksInUse()
@@ -40,11 +63,7 @@ void* operator new(std::size_t size)
 {
     if (size > kLargest)
         throw std::bad_alloc();
-    if (allocationsLeft != kNoLimit) {
-        if (allocationsLeft == 0)
-            throw std::bad_alloc();
-        --allocationsLeft;
-    }
+    CountDown();
     void* block = std::malloc(size > 0 ? size : 1);
     if (block == nullptr)
         throw std::bad_alloc();

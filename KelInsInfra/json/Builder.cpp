@@ -1,0 +1,55 @@
+#include <KelInsInfra/json/internal/Builder.h>
+#include <KelInsInfra/json/internal/Make.h>
+#include <KelInsInfra/json/internal/TakeApart.h>
+#include <algorithm>
+#include <span>
+
+namespace JSON {
+
+Builder::Builder() : pool_(Pool::kFirstChunk)
+{
+    frames_.reserve(16);
+    values_.reserve(64);
+    keys_.reserve(32);
+}
+
+void Builder::OpenArray()
+{
+    Open(MakeContainer<Array>(pool_));
+}
+
+void Builder::OpenObject()
+{
+    Open(MakeContainer<Object>(pool_));
+}
+
+void Builder::Open(std::shared_ptr<Value> container)
+{
+    Value* const opened = container.get();
+    if (frames_.empty())
+        root_ = std::move(container);
+    else
+        values_.push_back(std::move(container));
+    frames_.push_back({opened, values_.size(), keys_.size(), 0});
+}
+
+void Builder::Close()
+{
+    const Frame frame = frames_.back();
+    const std::span values = std::span(values_).subspan(frame.firstValue);
+    const std::span keys = std::span(keys_).subspan(frame.firstKey);
+    const bool shallow = frame.levels < kShallow;
+    if (values.empty())
+        ;
+    else if (frame.container->IsArray())
+        static_cast<Array*>(frame.container)->Fill(values, shallow);
+    else
+        static_cast<Object*>(frame.container)->Fill(pool_, keys, values, shallow);
+    values_.resize(frame.firstValue);
+    keys_.resize(frame.firstKey);
+    frames_.pop_back();
+    if (!frames_.empty())
+        frames_.back().levels = std::max(frames_.back().levels, frame.levels + 1);
+}
+
+} // namespace JSON

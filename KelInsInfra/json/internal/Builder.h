@@ -1,0 +1,56 @@
+#pragma once
+
+#include <KelInsInfra/json/Value.h>
+#include <KelInsInfra/json/internal/Pool.h>
+#include <cstddef>
+
+namespace JSON {
+
+/// Builds a document from its beginning to its end. What a container holds is gathered here until it is closed, so that
+/// it is allocated once, in its final size.
+class Builder
+{
+public:
+    Builder();
+
+    Pool& Memory() { return pool_; }
+
+    /// Whether there is a container to put things into, and whether that is an object.
+    bool IsOpen() const { return !frames_.empty(); }
+
+    bool InObject() const { return frames_.back().container->IsObject(); }
+
+    /// The key of what comes next, unescaped: in an object only, where each value needs one.
+    void Key(std::string key) { keys_.push_back(std::move(key)); }
+
+    void AddItem(std::shared_ptr<Value> item) { values_.push_back(std::move(item)); }
+
+    /// Adds an empty container to the current one and makes it the current one; the root, in place of an older one,
+    /// where none is open.
+    void OpenArray();
+    void OpenObject();
+
+    void Close();
+
+    std::shared_ptr<Value> TakeRoot() { return std::move(root_); }
+
+private:
+    /// An open container: its values and keys are the ones from there on.
+    struct Frame
+    {
+        Value* container;
+        std::size_t firstValue;
+        std::size_t firstKey;
+        unsigned levels; ///< of containers below this one
+    };
+
+    void Open(std::shared_ptr<Value> container);
+
+    Pool pool_;
+    std::shared_ptr<Value> root_;
+    std::vector<Frame> frames_;
+    std::vector<std::shared_ptr<Value>> values_;
+    std::vector<std::string> keys_;
+};
+
+} // namespace JSON
