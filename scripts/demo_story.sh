@@ -238,7 +238,7 @@ server_is_upgraded() { # one option is given, the others stay
     # Wine lists the survivor of an upgrade only once it is installed again
     scripts/wine.sh msiexec /i "$(windows "$newer/server/orchard.msi")" REINSTALL=ALL /qn
     setup 1 upgrade "$payload" "$target" && says "Orchard Server 2.0.0 is installed, which is newer than 1.0.0." &&
-        (cd "$target" && sha256sum --check --strict --quiet "$list_name") && note "one entry, old files gone, options kept"
+        logs "installed version: 2.0.0" && (cd "$target" && sha256sum --check --strict --quiet "$list_name") && note "one entry, old files gone, options kept"
 }
 
 only_one_package() { # in Windows Installer's database: the newer one

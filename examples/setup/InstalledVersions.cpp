@@ -14,17 +14,6 @@ void WarnOfBrokenEntry(const KelInsMSI::Version& entry, Log& log)
              "\n  Remove the product that it belongs to with the tool it came with, or ask its maker.");
 }
 
-void CheckVersion(const std::string& installed, const Manifest& manifest)
-{
-    const int order = CompareVersions(installed, manifest.version);
-    if (order > 0)
-        throw std::runtime_error(manifest.product + ' ' + installed + " is installed, which is newer than " +
-                                 manifest.version +
-                                 ".\nUninstall it first, if you really want to go back to the older version.");
-    if (order == 0)
-        throw std::runtime_error(manifest.product + ' ' + installed + " is installed already.\nUninstall it first.");
-}
-
 } // namespace
 
 int CompareVersions(const std::string& a, const std::string& b)
@@ -42,6 +31,17 @@ int CompareVersions(const std::string& a, const std::string& b)
     return 0;
 }
 
+void ExpectOlder(const std::string& installed, const Manifest& manifest)
+{
+    const int order = CompareVersions(installed, manifest.version);
+    if (order > 0)
+        throw std::runtime_error(manifest.product + ' ' + installed + " is installed, which is newer than " +
+                                 manifest.version +
+                                 ".\nUninstall it first, if you really want to go back to the older version.");
+    if (order == 0)
+        throw std::runtime_error(manifest.product + ' ' + installed + " is installed already.\nUninstall it first.");
+}
+
 void CheckInstalledVersions(const Manifest& manifest, Log& log)
 {
     const auto entries = KelInsMSI::GetVersion(manifest.upgradeCode);
@@ -55,7 +55,7 @@ void CheckInstalledVersions(const Manifest& manifest, Log& log)
         log.Write("no installed version found");
     for (const KelInsMSI::Version& entry : entries)
         if (entry.errorCode == 0)
-            CheckVersion(entry.version, manifest);
+            ExpectOlder(entry.version, manifest);
 }
 
 } // namespace Setup

@@ -1,5 +1,6 @@
 #include "Receipt.h"
 
+#include "ErrorText.h"
 #include "JsonFile.h"
 #include <KelInsInfra/hash/KelInsUUID.h>
 #include <KelInsInfra/io/KelInsIO.h>
@@ -8,8 +9,23 @@
 #include <stdexcept>
 
 namespace Setup {
+namespace {
 
 using JSON::Driver;
+
+Receipt Read(const std::string& file)
+{
+    const std::shared_ptr<JSON::Value> root = ReadJsonFile(file);
+    Receipt receipt;
+    Driver::GetAttribute(root, "product", receipt.product);
+    std::shared_ptr<JSON::Value> options;
+    Driver::GetAttribute(root, "options", options);
+    for (const JSON::POSITION& option : options->GetObjectValues())
+        receipt.options.emplace_back(option->first, option->second->GetString());
+    return receipt;
+}
+
+} // namespace
 
 const std::string Receipt::kFileName = "state.json";
 
@@ -39,14 +55,13 @@ std::optional<Receipt> ReadReceipt(const std::string& target)
     const std::string file = target + KelInsIO::Path::Sep + Receipt::kFileName;
     if (!KelInsIO::Exists(file))
         return std::nullopt;
-    const std::shared_ptr<JSON::Value> root = ReadJsonFile(file);
-    Receipt receipt;
-    Driver::GetAttribute(root, "product", receipt.product);
-    std::shared_ptr<JSON::Value> options;
-    Driver::GetAttribute(root, "options", options);
-    for (const JSON::POSITION& option : options->GetObjectValues())
-        receipt.options.emplace_back(option->first, option->second->GetString());
-    return receipt;
+    try {
+        return Read(file);
+    } catch (const std::exception& error) {
+        throw std::runtime_error(TextOf(error) + "\nNothing was changed. Restore the file " + file +
+                                 "; or delete it, and try again: an uninstallation then leaves the server, and an "
+                                 "upgrade forgets its options.");
+    }
 }
 
 } // namespace Setup

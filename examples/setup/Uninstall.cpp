@@ -146,21 +146,15 @@ std::optional<Registration> RegistrationOf(const std::string& target, const std:
     return registration;
 }
 
-/// Empty where there is no receipt: what only it leads to stays then.
+/// Empty where there is no receipt.
 std::string ReadProduct(const std::string& target, Log& log)
 {
-    std::optional<Receipt> receipt;
-    try {
-        receipt = ReadReceipt(target);
-    } catch (const std::exception& error) {
-        throw std::runtime_error(TextOf(error) + "\nNothing was removed. Restore the file; or delete it, and uninstall "
-                                                 "again: only the server and the entry among the installed programs "
-                                                 "stay then.");
-    }
-    if (!receipt)
-        log.Tell("There is no " + Receipt::kFileName + ": an installed server, and an entry among the installed " +
-                 "programs, stay.");
-    return receipt ? receipt->product : "";
+    const std::optional<Receipt> receipt = ReadReceipt(target);
+    if (receipt)
+        return receipt->product;
+    log.Tell("There is no " + Receipt::kFileName + ": an installed server, and an entry among the installed " +
+             "programs, stay.");
+    return "";
 }
 
 void TellKept(const std::vector<std::string>& kept, Log& log)

@@ -12,13 +12,15 @@
 namespace Setup {
 namespace {
 
-void ExpectInstallation(const Manifest& manifest, const std::string& target)
+Registration FindInstallation(const std::string& product, const std::string& target)
 {
-    const auto registration = FindRegistration(manifest.product);
-    if (!registration || !IsSame(registration->target, target))
-        throw std::runtime_error(
-            manifest.product + " is not installed in " + target + ".\n" +
-            (registration ? "It is in " + registration->target + '.' : "Install it: setup install"));
+    const auto registration = FindRegistration(product);
+    if (!registration)
+        throw std::runtime_error(product + " is not installed in " + target + ".\nInstall it: setup install");
+    if (!IsSame(registration->target, target))
+        throw std::runtime_error(product + " is not installed in " + target + ".\nIt is in " + registration->target +
+                                 '.');
+    return *registration;
 }
 
 /// Those that were given, and those of the installation for the others.
@@ -33,6 +35,14 @@ Properties MergeOptions(const Properties& given, const Properties& installed)
     return options;
 }
 
+/// The manifest as it was for what is registered.
+Manifest OlderManifest(Manifest manifest, const Registration& registration)
+{
+    manifest.version = registration.version;
+    manifest.productCode = registration.productCode;
+    return manifest;
+}
+
 } // namespace
 
 void Upgrade(const std::string& payloadRoot, const std::string& target, const Properties& given, Log& log)
@@ -40,11 +50,17 @@ void Upgrade(const std::string& payloadRoot, const std::string& target, const Pr
     const std::optional<Receipt> receipt = ReadReceipt(target);
     const Properties options = receipt ? MergeOptions(given, receipt->options) : given;
     const Manifest manifest = CheckPayload(payloadRoot, options, log).manifest;
-    ExpectInstallation(manifest, target);
+    const Registration registration = FindInstallation(manifest.product, target);
     CheckInstalledVersions(manifest, log);
+    ExpectOlder(registration.version, manifest); // the database may have lost its entry
 
-    InstallServer(payloadRoot + KelInsIO::Path::Sep + manifest.package, target, options, log);
-    Register(manifest, target);
+    Register(manifest, target); // before the package: the registration must not name one that is gone
+    try {
+        InstallServer(payloadRoot + KelInsIO::Path::Sep + manifest.package, target, options, log);
+    } catch (...) {
+        Register(OlderManifest(manifest, registration), target);
+        throw;
+    }
     WriteReceipt(target, manifest, options);
     log.Tell("Upgraded to " + manifest.version + '.');
 }

@@ -123,8 +123,8 @@ TEST_F(Installation, BrokenReceiptStopsTheUninstallation)
     EXPECT_THAT(
         [&] { Uninstall(); },
         ThrowsMessage<std::runtime_error>(
-            AllOf(StartsWith("The file " + receipt + " is not JSON: it was damaged or cut off.\nNothing was removed."),
-                  HasSubstr("delete it, and uninstall again"))));
+            AllOf(StartsWith("The file " + receipt + " is not JSON: it was damaged or cut off.\nNothing was changed."),
+                  HasSubstr("or delete it, and try again"))));
     EXPECT_TRUE(Exists(target + R"(\docs\read me.txt)"));
 
     KelInsIO::Delete(receipt); // as it says
@@ -235,6 +235,22 @@ TEST_F(Installation, TheServerIsUpgradedAndKeepsItsOptions)
         EXPECT_EQ(EntryText("DisplayVersion", view), "2.0.0");
     Uninstall();
     EXPECT_FALSE(Exists(target));
+}
+
+TEST_F(Installation, AFailingUpgradeLeavesTheEntryAsItWas)
+{
+    Install();
+    const SamplePayload newer("2.0.0");
+    EXPECT_THAT(
+        [&] {
+            Setup::Upgrade(newer.root, target, {{"SERVERPORT", "0"}}, sample.log);
+        },
+        ThrowsMessage<std::runtime_error>(HasSubstr("failed with 1603")));
+    for (const RegistryView view : {RegistryView::Force32RegView, RegistryView::Force64RegView}) {
+        EXPECT_EQ(EntryText("DisplayVersion", view), "1.0.0");
+        EXPECT_EQ(EntryText("PackageProductCode", view), "{A0000001-4B1D-4E0B-9C3C-1F2E3D4C5B60}");
+    }
+    EXPECT_THAT(ReadFile(target + R"(\state.json)"), HasSubstr(R"("version": "1.0.0")"));
 }
 
 TEST_F(Installation, IsNotUpgradedWhereItIsNot)
