@@ -14,12 +14,18 @@ void CheckArguments(const std::string& fileName, const std::string& key)
         throw std::runtime_error("Key is empty");
 }
 
+/// A file that could not be asked about, but can be opened, is not missing: what it holds must not be lost. Names that
+/// mean another file once a path is made of them (those in quotes) are not tried.
+bool CanBeRead(const std::string& fileName)
+{
+    return KelInsIO::Path(fileName).GetPath() == KelInsIO::Path::NormalizePathSeparator(fileName) &&
+           KelInsIO::GetInputFileStream(fileName, std::ios_base::in).good();
+}
+
 /// Content of the file; empty where there is none yet, and its directory then exists.
 std::string Load(const std::string& fileName)
 {
-    // A file that could not be asked about, but can be opened, is not missing: what it holds must not be lost.
-    if ((KelInsIO::Exists(fileName) && KelInsIO::IsFile(fileName)) ||
-        KelInsIO::GetInputFileStream(fileName, std::ios_base::in).good())
+    if ((KelInsIO::Exists(fileName) && KelInsIO::IsFile(fileName)) || CanBeRead(fileName))
         return KelInsIO::ReadForRewriting(fileName, {});
     KelInsIO::CreateDir(KelInsIO::Path(fileName).GetParent().GetPath());
     return {};

@@ -5,6 +5,8 @@
 namespace KelInsHash {
 namespace {
 
+static_assert(std::endian::native == std::endian::little, "lanes and halves are counted from the lowest byte");
+
 /// Four message words; their halves; two doubled ones.
 using Four [[gnu::vector_size(16)]] = std::uint32_t;
 using Eight [[gnu::vector_size(16)]] = std::uint16_t;
@@ -45,9 +47,7 @@ template <int Count>
 {
     Eight halves;
     std::memcpy(&halves, bytes, sizeof halves);
-    if constexpr (std::endian::native == std::endian::little)
-        return Rotr<16>(reinterpret_cast<Four>(halves >> 8 | halves << 8));
-    return reinterpret_cast<Four>(halves);
+    return Rotr<16>(reinterpret_cast<Four>(halves >> 8 | halves << 8));
 }
 
 /// One round. Instead of moving eight words along, the caller names them in another order each time. Majority of a, b

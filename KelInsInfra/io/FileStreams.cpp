@@ -1,7 +1,5 @@
 #include <KelInsInfra/foundation/internal/WindowsApi.h>
 #include <KelInsInfra/io/KelInsIO.h>
-#include <KelInsInfra/io/internal/FileStreams.h>
-#include <cerrno>
 #include <ext/stdio_filebuf.h>
 #include <fcntl.h>
 #include <io.h>
@@ -42,9 +40,6 @@ constexpr ModeFlags kModeFlags[] = {
     {kIn | kApp, _O_RDWR | _O_CREAT | _O_APPEND},
 };
 
-/// Beside an open mode: the file must not be there yet.
-constexpr int kNewFile = _O_EXCL;
-
 std::optional<int> OpenFlags(Mode mode)
 {
     const Mode access = mode & ~(std::ios_base::ate | std::ios_base::binary);
@@ -54,32 +49,33 @@ std::optional<int> OpenFlags(Mode mode)
     return {};
 }
 
-/// 0, or the errno value of the failure.
-int OpenDescriptor(int& descriptor, const std::string& path, Mode mode, int moreFlags)
+/// -1 when the file cannot be opened so.
+int OpenDescriptor(const std::string& path, Mode mode)
 {
     const std::optional<int> flags = OpenFlags(mode);
     if (!flags || path.find('\0') != std::string::npos) // the system would open the name before the NUL
-        return EINVAL;
-    return ::_wsopen_s(&descriptor, Path::GetFullPathNameW(path).c_str(), *flags | moreFlags, _SH_DENYWR,
-                       _S_IREAD | _S_IWRITE);
+        return -1;
+    int descriptor = -1;
+    ::_wsopen_s(&descriptor, Path::GetFullPathNameW(path).c_str(), *flags, _SH_DENYWR, _S_IREAD | _S_IWRITE);
+    return descriptor;
 }
 
-/// 0, or the errno value of the failure; the buffer then stays closed.
-int Open(std::filebuf& target, const std::string& path, Mode mode, int moreFlags = 0)
+/// False when the file cannot be opened so; the buffer then stays closed.
+bool Open(std::filebuf& target, const std::string& path, Mode mode)
 {
-    int descriptor = -1;
-    if (const int error = OpenDescriptor(descriptor, path, mode, moreFlags))
-        return error;
+    const int descriptor = OpenDescriptor(path, mode);
+    if (descriptor == -1)
+        return false;
     __gnu_cxx::stdio_filebuf<char> buffer(descriptor, mode, kBufferSize); // closes it, also when this throws
     if (!buffer.is_open()) {
         ::_close(descriptor);
-        return EMFILE;
+        return false;
     }
     const bool atEnd = (mode & std::ios_base::ate) != 0;
     if (atEnd && buffer.pubseekoff(0, std::ios_base::end, mode) == std::filebuf::pos_type(-1))
-        return ESPIPE;
+        return false;
     target = std::move(static_cast<std::filebuf&>(buffer));
-    return 0;
+    return true;
 }
 
 } // namespace
@@ -87,7 +83,7 @@ int Open(std::filebuf& target, const std::string& path, Mode mode, int moreFlags
 std::ifstream GetInputFileStream(const Path& path, std::ios_base::openmode mode)
 {
     std::ifstream stream;
-    if (Open(*stream.rdbuf(), path.GetPath(), mode | std::ios_base::in | std::ios_base::binary) != 0)
+    if (!Open(*stream.rdbuf(), path.GetPath(), mode | std::ios_base::in | std::ios_base::binary))
         stream.setstate(std::ios_base::failbit);
     return stream;
 }
@@ -95,7 +91,7 @@ std::ifstream GetInputFileStream(const Path& path, std::ios_base::openmode mode)
 std::ofstream GetOutputFileStream(const Path& path, std::ios_base::openmode mode)
 {
     std::ofstream stream;
-    if (Open(*stream.rdbuf(), path.GetPath(), mode | std::ios_base::out | std::ios_base::binary) != 0)
+    if (!Open(*stream.rdbuf(), path.GetPath(), mode | std::ios_base::out | std::ios_base::binary))
         stream.setstate(std::ios_base::failbit);
     return stream;
 }
@@ -108,22 +104,6 @@ std::ifstream GetInputFileStream(const std::string& path, std::ios_base::openmod
 std::ofstream GetOutputFileStream(const std::string& path, std::ios_base::openmode mode)
 {
     return GetOutputFileStream(Path(path), mode);
-}
-
-std::ofstream ReplaceByNewFile(const std::string& name)
-{
-    const Path path(name);
-    const Mode mode = std::ios_base::out | std::ios_base::binary;
-    std::ofstream stream;
-    int error = Open(*stream.rdbuf(), path.GetPath(), mode, kNewFile);
-    if (error == EEXIST) {
-        ::DeleteFileW(
-            Path::GetFullPathNameW(path.GetPath()).c_str()); // when it stays, the opening tells what can be done
-        error = Open(*stream.rdbuf(), path.GetPath(), mode);
-    }
-    if (error != 0)
-        stream.setstate(std::ios_base::failbit);
-    return stream;
 }
 
 } // namespace KelInsIO

@@ -1,7 +1,6 @@
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/foundation/internal/UniqueHandle.h>
 #include <KelInsInfra/io/KelInsIO.h>
-#include <KelInsInfra/io/internal/FileStreams.h>
 #include <KelInsInfra/io/internal/RewriteFile.h>
 #include <algorithm>
 #include <memory>
@@ -18,9 +17,17 @@ constexpr std::size_t kBlockSize = 32768;
     throw std::runtime_error(frame.before + text + frame.after);
 }
 
+/// Removes what an earlier, interrupted rewriting left. It may also be a link that somebody planted: never write
+/// through it, nor create what it names. A directory of that name stays, and the opening that follows reports what
+/// cannot be removed.
+void RemoveLeftover(const std::string& temporaryName)
+{
+    ::DeleteFileW(Path::GetFullPathNameW(Path(temporaryName).GetPath()).c_str());
+}
+
 void WriteWhole(const std::string& temporaryName, const std::string& content, const MessageFrame& frame)
 {
-    std::ofstream stream = ReplaceByNewFile(temporaryName); // one may lie there since an earlier, interrupted rewriting
+    std::ofstream stream = GetOutputFileStream(temporaryName, std::ios_base::out);
     if (!stream.good())
         Fail(frame, "Failed to open " + temporaryName);
     for (std::size_t written = 0; written < content.size(); written += kBlockSize) // beyond 2 GiB one call would not do
@@ -96,6 +103,7 @@ std::string ReadForRewriting(const std::string& name, const MessageFrame& frame)
 void RewriteFile(const std::string& name, const std::string& temporaryName, const std::string& content,
                  const MessageFrame& frame)
 {
+    RemoveLeftover(temporaryName);
     WriteWhole(temporaryName, content, frame);
     const bool wasReadOnly = SetReadOnly(name, false);
     Copy(temporaryName, name);

@@ -1,5 +1,6 @@
 #include <KelInsInfra/io/KelInsIO.h>
 #include <KelInsInfra/io/internal/TextLines.h>
+#include <algorithm>
 #include <new>
 #include <sstream>
 #include <utility>
@@ -55,13 +56,20 @@ std::optional<std::string_view> LineReader::Next()
         }
         pieces_.append(rest);
     } while (ReadBlock());
-    return pieces_.empty() ? std::nullopt : std::optional(WithoutCarriageReturn(pieces_));
+    if (pieces_.empty() || stream_.bad()) // after a read error, the part of a line must not pass for the whole
+        return {};
+    return WithoutCarriageReturn(pieces_);
 }
 
 bool LineReader::ReadBlock()
 {
-    stream_.read(block_.get(), kBlockSize);
     begin_ = 0;
+    end_ = 0;
+    if (stream_.peek() == std::istream::traits_type::eof()) // fills the stream's buffer
+        return false;
+    // No more than is there: a read error would take the good bytes before it along.
+    const std::streamsize available = std::clamp<std::streamsize>(stream_.rdbuf()->in_avail(), 1, kBlockSize);
+    stream_.read(block_.get(), available);
     end_ = static_cast<std::size_t>(stream_.gcount());
     return end_ != 0;
 }

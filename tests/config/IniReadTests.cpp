@@ -178,6 +178,26 @@ TEST(ReadValueOfKey, StopsAtTheFirstMatch)
     EXPECT_EQ(hook.Calls().size(), 1u);
 }
 
+/// The read that fails is the second one: the first 32 KiB are there.
+TEST(ReadValueOfKey, AfterAReadErrorOnlyWholeLinesWereRead)
+{
+    const TempDirectory directory;
+    const std::string file = directory / "a.ini";
+    const std::string filler = ";" + std::string(997, 'x') + "\r\n"; // 1,000 bytes
+    std::string content;
+    for (int i = 0; i < 20; ++i)
+        content += filler;
+    content += "Whole=1\r\n";
+    for (int i = 0; i < 11; ++i)
+        content += filler;
+    MakeFile(file, content + "Cut=" + std::string(40'000, 'y') + "\r\nA=2\r\n");
+    ASSERT_EQ(ReadValueOfKey(file, "", "A"), "2");
+    ImportHook<int(int, void*, unsigned)> hook("_read", {L"libstdc++-6.dll"});
+    hook.FailCall(2, -1, Errno(EIO));
+    EXPECT_EQ(ReadValueOfKey(file, "", "Whole"), "1"); // before anything fails
+    EXPECT_THROW(ReadValueOfKey(file, "", "Cut"), KelInsIniFile::KeyNotFoundException);
+}
+
 TEST(ReadValueOfKey, GivesItsHandleBack)
 {
     const TempDirectory directory;
