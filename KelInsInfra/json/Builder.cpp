@@ -1,5 +1,4 @@
 #include <KelInsInfra/json/internal/Builder.h>
-#include <KelInsInfra/json/internal/Make.h>
 #include <KelInsInfra/json/internal/TakeApart.h>
 #include <algorithm>
 #include <span>
