@@ -27,6 +27,7 @@ public:
     /// @param hasEscapes  of the text, to be resolved.
     void AddItem(Type type, std::string_view text, bool hasEscapes)
     {
+        MakeRoom();
         values_.push_back(MakeItem(pool_, type, text, hasEscapes));
     }
 
@@ -49,6 +50,13 @@ private:
         unsigned levels; ///< of containers below this one
     };
 
+    void MakeRoom()
+    {
+        if (values_.size() == values_.capacity())
+            MakeMoreRoom();
+    }
+
+    void MakeMoreRoom();
     void Open(std::shared_ptr<Value> container);
 
     Pool pool_;
