@@ -21,7 +21,10 @@ public:
 
     void SetNextObjectKey(const Scanner::Text& escaped)
     {
-        PutKeyBack();
+        if (keyIsInPlace_)
+            builder_.DropLastKey();
+        nextKey_.clear();
+        keyIsInPlace_ = false; // in case memory runs out
         builder_.Key(escaped.bytes);
         keyIsInPlace_ = true;
         keyHasEscapes_ = escaped.hasEscapes;
@@ -41,13 +44,13 @@ public:
 
     void AddArray()
     {
-        if (!builder_.IsOpen() || MakeKey())
+        if (MakeKey())
             builder_.OpenArray();
     }
 
     void AddObject()
     {
-        if (!builder_.IsOpen() || MakeKey())
+        if (MakeKey())
             builder_.OpenObject();
     }
 
@@ -61,11 +64,13 @@ public:
     std::shared_ptr<Value> TakeRoot() { return builder_.TakeRoot(); }
 
 private:
-    /// Whether a value can go to the current container. In an object it takes the pending key.
+    /// Whether a container can go to where the next value goes. In an object it takes the pending key.
     bool MakeKey()
     {
-        if (!builder_.InObject())
+        if (!builder_.IsOpen() || !builder_.InObject()) {
+            PutKeyBack();
             return true;
+        }
         if (!keyIsInPlace_) {
             builder_.Key(nextKey_);
             nextKey_.clear();
