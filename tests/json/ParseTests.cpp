@@ -249,7 +249,7 @@ const PendingKeyCase kPendingKeys[] = {
     {"NoKeyInTheText", "[1]", "before"},
     {"KeyWasUsed", R"({"a":1})", ""},
     {"KeyWithoutValue", R"({"a":)", "a"},
-    {"EscapesAsWritten", R"({"\\t":)", R"(\t)"},
+    {"EscapesAsWritten", R"({"\\t":)", R"(\\t)"},
     {"EmptyKeyReplacesTheOneBefore", R"({"":)", ""},
     {"KeyThatNothingTook", R"([{"":{"k":1},"m":5}])", "m"},
     {"KeyBesideANewRoot", R"({"":{"a":1},"b":[)", "b"},
@@ -267,8 +267,9 @@ TEST_P(JsonPendingKey, AfterAParse)
     driver.NewObject();
     const std::string pending = GetParam().pending;
     ASSERT_EQ(driver.Add(Driver::CreateNull()), !pending.empty());
-    if (!pending.empty())
+    if (!pending.empty()) {
         EXPECT_EQ(driver.GetValue()->GetObjectValues()[0]->first, Driver::RemoveJSONEscaping(pending));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Json, JsonPendingKey, testing::ValuesIn(kPendingKeys),
