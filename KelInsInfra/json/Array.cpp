@@ -38,9 +38,9 @@ void Array::Append(std::shared_ptr<Value> value)
     shallow_ = false;
 }
 
-void Array::Fill(std::span<std::shared_ptr<Value>> values, bool shallow)
+void Array::Append(std::span<std::shared_ptr<Value>> values, bool shallow)
 {
-    elements_.assign(std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
+    elements_.insert(elements_.end(), std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
     shallow_ = shallow;
 }
 

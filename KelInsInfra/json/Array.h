@@ -22,9 +22,8 @@ public:
     /// @cond  what follows is for the library itself, and not exported
     void Append(std::shared_ptr<Value> value);
 
-    /// Appends all values of an array that is empty yet.
-    /// @param shallow  whether they may be destroyed by recursion.
-    void Fill(std::span<std::shared_ptr<Value>> values, bool shallow);
+    /// @param shallow  whether the elements may be destroyed by recursion.
+    void Append(std::span<std::shared_ptr<Value>> values, bool shallow = false);
 
     const std::vector<std::shared_ptr<Value>>& Elements() const { return elements_; }
 

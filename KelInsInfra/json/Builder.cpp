@@ -1,5 +1,4 @@
 #include <KelInsInfra/json/internal/Builder.h>
-#include <KelInsInfra/json/internal/Make.h>
 #include <KelInsInfra/json/internal/TakeApart.h>
 #include <algorithm>
 #include <span>
@@ -23,13 +22,29 @@ void Builder::OpenObject()
     Open(MakeContainer<Object>(pool_));
 }
 
+/// A long array takes what was gathered of it already, so that the memory for gathering stays small.
+void Builder::MakeMoreRoom()
+{
+    constexpr std::size_t kLong = 1024;
+    const Frame& frame = frames_.back();
+    const std::span values = std::span(values_).subspan(frame.firstValue);
+    if (values.size() < kLong || !frame.container->IsArray()) {
+        values_.reserve(2 * values_.size());
+        return;
+    }
+    static_cast<Array*>(frame.container)->Append(values);
+    values_.resize(frame.firstValue);
+}
+
 void Builder::Open(std::shared_ptr<Value> container)
 {
     Value* const opened = container.get();
-    if (frames_.empty())
+    if (frames_.empty()) {
         root_ = std::move(container);
-    else
+    } else {
+        MakeRoom();
         values_.push_back(std::move(container));
+    }
     frames_.push_back({opened, values_.size(), keys_.size(), 0});
 }
 
@@ -39,11 +54,9 @@ void Builder::Close()
     const std::span values = std::span(values_).subspan(frame.firstValue);
     const std::span keys = std::span(keys_).subspan(frame.firstKey);
     const bool shallow = frame.levels < kShallow;
-    if (values.empty())
-        ;
-    else if (frame.container->IsArray())
-        static_cast<Array*>(frame.container)->Fill(values, shallow);
-    else
+    if (frame.container->IsArray())
+        static_cast<Array*>(frame.container)->Append(values, shallow);
+    else if (!values.empty())
         static_cast<Object*>(frame.container)->Fill(pool_, keys, values, shallow);
     values_.resize(frame.firstValue);
     keys_.resize(frame.firstKey);

@@ -1,6 +1,6 @@
 #include <KelInsInfra/json/internal/Builder.h>
 #include <KelInsInfra/json/internal/Clone.h>
-#include <KelInsInfra/json/internal/Make.h>
+#include <KelInsInfra/json/internal/Escapes.h>
 
 namespace JSON {
 namespace {
@@ -19,9 +19,8 @@ const Value& NextChild(Frame& frame, Builder& builder)
     if (frame.source->IsArray())
         return *static_cast<const Array&>(*frame.source).Elements()[index];
     const auto& [key, value] = *static_cast<const Object&>(*frame.source).Order()[index];
-    std::string copy = key;
-    UnescapeInPlace(copy);
-    builder.Key(std::move(copy));
+    builder.Key(key);
+    UnescapeInPlace(builder.LastKey());
     return *value;
 }
 
@@ -29,7 +28,7 @@ const Value& NextChild(Frame& frame, Builder& builder)
 void Begin(const Value& source, Builder& builder, std::vector<Frame>& frames)
 {
     if (!source.IsArray() && !source.IsObject()) {
-        builder.AddItem(MakeItem(builder.Memory(), source.GetType(), static_cast<const Item&>(source).Text()));
+        builder.AddItem(source.GetType(), static_cast<const Item&>(source).Text(), false);
         return;
     }
     frames.push_back({&source});

@@ -46,6 +46,9 @@ public:
     ///   accepted;
     /// - numbers keep their text; leading zeros are accepted.
     ///
+    /// Parse of a string holds the former document until it returns, as the string may be a key in it: ResetParser
+    /// first saves that memory.
+    ///
     /// @return true: the root is there, and open for Add. False for a syntax error: the driver is empty; nothing is
     ///         printed for it. A pending key of SetNextObjectKey is not cleared by failure.
     /// @throws std::runtime_error  with the scanner's text when it cannot go on ("input in flex scanner failed" when

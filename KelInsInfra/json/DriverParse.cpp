@@ -4,6 +4,7 @@
 #include <KelInsInfra/json/internal/Scanner.h>
 #include <istream>
 #include <streambuf>
+#include <utility>
 
 namespace JSON {
 namespace {
@@ -30,8 +31,9 @@ bool Driver::Parse(std::istream& in)
 
 bool Driver::Parse(const std::string& text)
 {
-    const std::shared_ptr<Value> root = root_; // the text may be a key in the old document, which goes first
-    const auto open = open_;
+    // The text may be a key of the old document, which is held until the end; the driver lets go of it at once.
+    const std::shared_ptr<Value> root = std::move(root_);
+    const auto open = std::move(open_);
     ResetParser();
     TextBuffer buffer(text);
     Scanner scanner(&buffer, text.size());

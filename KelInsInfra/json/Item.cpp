@@ -7,7 +7,7 @@ namespace JSON {
 std::shared_ptr<Value> Item::Clone() const
 {
     Pool pool;
-    return MakeItem(pool, GetType(), text_);
+    return MakeItem(pool, GetType(), Text());
 }
 
 void Item::Write(std::ostream& out) const

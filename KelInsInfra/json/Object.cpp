@@ -57,30 +57,28 @@ void Object::Insert(std::string key, std::shared_ptr<Value> value)
 {
     UnescapeInPlace(key);
     MakeRoomForOne();
-    shallow_ = false;
     if (const POSITION position = Find(key)) {
         order_.erase(std::find(order_.rbegin(), order_.rend(), position).base() - 1);
         order_.push_back(position);
         const_cast<Member*>(position)->second = std::move(value);
+        shallow_ = false;
         return;
     }
-    Member* const place = blocks_->Begin() + blocks_->used++;
-    order_.push_back(new (place) Member(std::move(key), std::move(value)));
+    Pool pool;
+    blocks_ = MemberBlock::Create(pool, 1, blocks_);
+    order_.push_back(new (blocks_->Begin()) Member(std::move(key), std::move(value)));
+    shallow_ = false;
     if (index_)
         index_->Add(order_.back());
 }
 
-/// So that the next member is either inserted, or memory runs out before anything happens.
+/// In order and index, so that a member is either inserted, or memory runs out before anything happens.
 void Object::MakeRoomForOne()
 {
     if (order_.size() == order_.capacity())
         order_.reserve(std::max<std::size_t>(4, 2 * order_.size()));
     if (order_.size() >= kSearchedThrough)
         MakeRoomInIndex();
-    if (blocks_ == nullptr || blocks_->used == blocks_->capacity) {
-        Pool pool;
-        blocks_ = MemberBlock::Create(pool, order_.capacity() - order_.size(), blocks_);
-    }
 }
 
 void Object::MakeRoomInIndex()
@@ -101,11 +99,10 @@ void Object::Fill(Pool& pool, std::span<std::string> keys, std::span<std::shared
     if (keys.size() > kSearchedThrough)
         index_ = std::make_unique<KeyIndex>(keys.size());
     blocks_ = MemberBlock::Create(pool, keys.size(), blocks_);
-    blocks_->used = keys.size();
     shallow_ = shallow;
 
     // From the last to the first: of a repeated key the last value stays, in the last place.
-    Member* const end = blocks_->End();
+    Member* const end = blocks_->Begin() + keys.size();
     Member* first = end;
     for (std::size_t i = keys.size(); i-- > 0;) {
         if (!index_ && std::any_of(first, end, [&](const Member& other) { return SameKey(other.first, keys[i]); }))

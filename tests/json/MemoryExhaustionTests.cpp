@@ -125,6 +125,22 @@ TEST(JsonMemory, ParseFailsCleanlyAtEveryAllocation)
     EXPECT_LE(blocks, before + 2); // the driver's own memory for its stack and key
 }
 
+TEST(JsonMemory, FailingParseLeavesNothingOfTheFormerDocument)
+{
+    const std::string text = "[2]";
+    Driver driver;
+    bool parsed = false;
+    ASSERT_TRUE(driver.Parse("[[1]]"));
+    WithEveryFailure([&] { parsed = driver.Parse(text); },
+                     [&] {
+                         if (parsed)
+                             return;
+                         EXPECT_EQ(driver.GetValue(), nullptr);
+                         ASSERT_TRUE(driver.Parse("[[1]]"));
+                     });
+    EXPECT_EQ(driver.GetJSON(), "[2]");
+}
+
 TEST(JsonMemory, NothingIsLostByFailingParses)
 {
     const std::string text = Text();

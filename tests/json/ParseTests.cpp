@@ -209,6 +209,9 @@ const Case kEmptyKeys[] = {
     {"ArrayIsNotEntered", R"({"":[1,2],"b":3})", "{}"},
     {"InArray", R"([{"":[]},1])", "[{}]"},
     {"InArrayThenContainer", R"([{"":[]},[1],2])", "[1]"},
+    {"LaterObjectBecomesTheRoot", R"({"":{"a":1},"b":{"k":3}})", R"({"k": 3})"},
+    {"LaterMembersGoToTheArrayAround", R"([{"":{"k":1},"m":5,"n":[6],"o":{"p":7}}])",
+     R"([{"k": 1}, 5, [6], {"p": 7}])"},
     {"KeyOfAnEscape", R"({"\\":1})", R"({"\\": 1})"},
 };
 
@@ -232,6 +235,45 @@ TEST(JsonParseZeroBytes, InAString)
     EXPECT_EQ(driver.GetJSON(), "[\"a\0b\", \"\0\"]"s);
     EXPECT_EQ(driver.GetValue()->GetArrayValue(0)->GetString(), "a\0b"s);
 }
+
+struct PendingKeyCase
+{
+    const char* label;
+    const char* text;
+    const char* pending; ///< after the parse; empty for none
+
+    friend void PrintTo(const PendingKeyCase& c, std::ostream* out) { *out << c.text; }
+};
+
+const PendingKeyCase kPendingKeys[] = {
+    {"NoKeyInTheText", "[1]", "before"},
+    {"KeyWasUsed", R"({"a":1})", ""},
+    {"KeyWithoutValue", R"({"a":)", "a"},
+    {"EscapesAsWritten", R"({"\\t":)", R"(\\t)"},
+    {"EmptyKeyReplacesTheOneBefore", R"({"":)", ""},
+    {"KeyThatNothingTook", R"([{"":{"k":1},"m":5}])", "m"},
+    {"KeyBesideANewRoot", R"({"":{"a":1},"b":[)", "b"},
+    {"KeyBesideANewRootThenAnother", R"({"":{"a":1},"b":{"k":3})", ""},
+};
+
+class JsonPendingKey : public testing::TestWithParam<PendingKeyCase>
+{};
+
+TEST_P(JsonPendingKey, AfterAParse)
+{
+    Driver driver;
+    driver.SetNextObjectKey("before");
+    driver.Parse(GetParam().text);
+    driver.NewObject();
+    const std::string pending = GetParam().pending;
+    ASSERT_EQ(driver.Add(Driver::CreateNull()), !pending.empty());
+    if (!pending.empty()) {
+        EXPECT_EQ(driver.GetValue()->GetObjectValues()[0]->first, Driver::RemoveJSONEscaping(pending));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Json, JsonPendingKey, testing::ValuesIn(kPendingKeys),
+                         [](const auto& row) { return std::string(row.param.label); });
 
 TEST(JsonParseState, RootIsOpenForAdd)
 {

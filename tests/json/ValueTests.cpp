@@ -1,4 +1,5 @@
 #include <KelInsInfra/json/Driver.h>
+#include <KelInsInfra/json/internal/Make.h>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
@@ -76,7 +77,11 @@ const KindCase kKinds[] = {
     {"True", []() -> Pointer { return Driver::CreateTrue(); }, Type::True, "True", 0, "", "true"},
     {"False", []() -> Pointer { return Driver::CreateFalse(); }, Type::False, "False", 0, "", "false"},
     {"Null", []() -> Pointer { return Driver::CreateNull(); }, Type::Null, "Null", 0, "", "null"},
-    {"Unknown", []() -> Pointer { return std::make_shared<JSON::Item>(static_cast<Type>(42), "x"); },
+    {"Unknown",
+     []() -> Pointer {
+         JSON::Pool pool;
+         return JSON::MakeItem(pool, static_cast<Type>(42), "x");
+     },
      static_cast<Type>(42), "???", 0, "", "???"},
 };
 

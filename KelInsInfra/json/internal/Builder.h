@@ -1,7 +1,6 @@
 #pragma once
 
-#include <KelInsInfra/json/Value.h>
-#include <KelInsInfra/json/internal/Pool.h>
+#include <KelInsInfra/json/internal/Make.h>
 #include <cstddef>
 
 namespace JSON {
@@ -13,17 +12,24 @@ class Builder
 public:
     Builder();
 
-    Pool& Memory() { return pool_; }
-
     /// Whether there is a container to put things into, and whether that is an object.
     bool IsOpen() const { return !frames_.empty(); }
 
     bool InObject() const { return frames_.back().container->IsObject(); }
 
     /// The key of what comes next, unescaped: in an object only, where each value needs one.
-    void Key(std::string key) { keys_.push_back(std::move(key)); }
+    void Key(std::string_view key) { keys_.emplace_back(key); }
 
-    void AddItem(std::shared_ptr<Value> item) { values_.push_back(std::move(item)); }
+    std::string& LastKey() { return keys_.back(); }
+
+    void DropLastKey() { keys_.pop_back(); }
+
+    /// @param hasEscapes  of the text, to be resolved.
+    void AddItem(Type type, std::string_view text, bool hasEscapes)
+    {
+        MakeRoom();
+        values_.push_back(MakeItem(pool_, type, text, hasEscapes));
+    }
 
     /// Adds an empty container to the current one and makes it the current one; the root, in place of an older one,
     /// where none is open.
@@ -44,6 +50,13 @@ private:
         unsigned levels; ///< of containers below this one
     };
 
+    void MakeRoom()
+    {
+        if (values_.size() == values_.capacity())
+            MakeMoreRoom();
+    }
+
+    void MakeMoreRoom();
     void Open(std::shared_ptr<Value> container);
 
     Pool pool_;

@@ -44,6 +44,27 @@ inline unsigned Equal(__m128i bytes, char byte)
     return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte))));
 }
 
+/// Copies a text, most often a short one, without a call.
+inline void CopyBytes(char* to, std::string_view text)
+{
+    const char* const from = text.data();
+    const std::size_t size = text.size();
+    if (size >= 16) {
+        for (std::size_t i = 0; i + 16 < size; i += 16)
+            std::memcpy(to + i, from + i, 16);
+        std::memcpy(to + size - 16, from + size - 16, 16); // overlaps with what is there already
+    } else if (size >= 8) {
+        std::memcpy(to, from, 8);
+        std::memcpy(to + size - 8, from + size - 8, 8);
+    } else if (size >= 4) {
+        std::memcpy(to, from, 4);
+        std::memcpy(to + size - 4, from + size - 4, 4);
+    } else {
+        for (std::size_t i = 0; i < size; ++i)
+            to[i] = from[i];
+    }
+}
+
 /// The first backslash, or the end.
 inline const char* FindBackslash(const char* begin, const char* end)
 {

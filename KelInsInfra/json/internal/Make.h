@@ -3,9 +3,9 @@
 #include <KelInsInfra/json/Array.h>
 #include <KelInsInfra/json/Item.h>
 #include <KelInsInfra/json/Object.h>
+#include <KelInsInfra/json/internal/ByteRuns.h>
 #include <KelInsInfra/json/internal/Escapes.h>
 #include <KelInsInfra/json/internal/Pool.h>
-#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -21,22 +21,21 @@ std::shared_ptr<T> MakeContainer(Pool& pool)
     return std::allocate_shared<T>(ChunkAllocator<T>(pool.ChunkFor(kSharedSize<T>)));
 }
 
-inline std::shared_ptr<Item> MakeItem(Pool& pool, Type type, std::string_view text = {})
+inline Item::Item(Type type, Chunk& chunk, std::string_view text, bool hasEscapes) : Value(type)
 {
-    Chunk& chunk = pool.ChunkFor(Chunk::Rounded(text.size()) + kSharedSize<Item>);
     char* const copy = chunk.Take(text.size());
-    if (!text.empty())
-        std::memcpy(copy, text.data(), text.size());
-    return std::allocate_shared<Item>(ChunkAllocator<Item>(chunk), type, std::string_view(copy, text.size()));
+    textOffset_ = static_cast<std::uint32_t>(copy - reinterpret_cast<char*>(this));
+    textSize_ = text.size();
+    if (hasEscapes)
+        textSize_ = static_cast<std::size_t>(Unescape(text, copy) - copy);
+    else
+        CopyBytes(copy, text);
 }
 
-/// A string from its text with escapes. An empty one becomes null: kept for readers that know no empty strings.
-inline std::shared_ptr<Item> MakeUnescapedString(Pool& pool, std::string_view escaped)
+inline std::shared_ptr<Item> MakeItem(Pool& pool, Type type, std::string_view text = {}, bool hasEscapes = false)
 {
-    Chunk& chunk = pool.ChunkFor(Chunk::Rounded(escaped.size()) + kSharedSize<Item>);
-    char* const begin = chunk.Take(escaped.size());
-    const std::string_view text(begin, static_cast<std::size_t>(Unescape(escaped, begin) - begin));
-    return std::allocate_shared<Item>(ChunkAllocator<Item>(chunk), text.empty() ? Type::Null : Type::String, text);
+    Chunk& chunk = pool.ChunkFor(kSharedSize<Item> + Chunk::Rounded(text.size()));
+    return std::allocate_shared<Item>(ChunkAllocator<Item>(chunk), type, chunk, text, hasEscapes);
 }
 
 } // namespace JSON

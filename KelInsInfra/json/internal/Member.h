@@ -14,19 +14,15 @@ using Member = std::pair<const std::string, std::shared_ptr<Value>>;
 struct MemberBlock
 {
     /// @param previous  of the same object.
-    static MemberBlock* Create(Pool& pool, std::size_t capacity, MemberBlock* previous);
+    static MemberBlock* Create(Pool& pool, std::size_t members, MemberBlock* previous);
 
     /// Gives back this block and the ones before it; their members are destroyed already.
     static void ReleaseAll(MemberBlock* last) noexcept;
 
     Member* Begin() { return reinterpret_cast<Member*>(this + 1); }
 
-    Member* End() { return Begin() + capacity; }
-
     MemberBlock* previous;
     Chunk* chunk; ///< in which it lies
-    std::size_t capacity;
-    std::size_t used;
 };
 
 } // namespace JSON

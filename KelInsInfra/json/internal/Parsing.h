@@ -1,7 +1,7 @@
 #pragma once
 
 #include <KelInsInfra/json/internal/Builder.h>
-#include <KelInsInfra/json/internal/Make.h>
+#include <KelInsInfra/json/internal/Escapes.h>
 #include <KelInsInfra/json/internal/Scanner.h>
 
 namespace JSON {
@@ -14,40 +14,49 @@ public:
     /// @param nextKey  the driver's: what is pending before the parse, and after it.
     explicit Parsing(std::string& nextKey) : nextKey_(nextKey) {}
 
+    ~Parsing() { PutKeyBack(); }
+
+    Parsing(const Parsing&) = delete;
+    Parsing& operator=(const Parsing&) = delete;
+
     void SetNextObjectKey(const Scanner::Text& escaped)
     {
-        nextKey_.assign(escaped.bytes);
+        if (keyIsInPlace_)
+            builder_.DropLastKey();
+        nextKey_.clear();
+        keyIsInPlace_ = false; // in case memory runs out
+        builder_.Key(escaped.bytes);
+        keyIsInPlace_ = true;
         keyHasEscapes_ = escaped.hasEscapes;
     }
 
-    void AddItem(Type type, std::string_view text = {})
+    void AddItem(Type type, std::string_view text = {}, bool hasEscapes = false)
     {
         if (builder_.IsOpen() && MakeKey())
-            builder_.AddItem(MakeItem(builder_.Memory(), type, text));
+            builder_.AddItem(type, text, hasEscapes);
     }
 
+    /// An empty one becomes null: kept for readers that know no empty strings.
     void AddString(const Scanner::Text& escaped)
     {
-        if (!escaped.hasEscapes)
-            AddItem(escaped.bytes.empty() ? Type::Null : Type::String, escaped.bytes);
-        else if (builder_.IsOpen() && MakeKey())
-            builder_.AddItem(MakeUnescapedString(builder_.Memory(), escaped.bytes));
+        AddItem(escaped.bytes.empty() ? Type::Null : Type::String, escaped.bytes, escaped.hasEscapes);
     }
 
     void AddArray()
     {
-        if (!builder_.IsOpen() || MakeKey())
+        if (MakeKey())
             builder_.OpenArray();
     }
 
     void AddObject()
     {
-        if (!builder_.IsOpen() || MakeKey())
+        if (MakeKey())
             builder_.OpenObject();
     }
 
     void CloseCurrentValue()
     {
+        PutKeyBack();
         if (builder_.IsOpen())
             builder_.Close();
     }
@@ -55,22 +64,38 @@ public:
     std::shared_ptr<Value> TakeRoot() { return builder_.TakeRoot(); }
 
 private:
-    /// Whether a value can go to the current container. In an object it takes the pending key.
+    /// Whether a container can go to where the next value goes. In an object it takes the pending key.
     bool MakeKey()
     {
-        if (!builder_.InObject())
+        if (!builder_.IsOpen() || !builder_.InObject()) {
+            PutKeyBack();
             return true;
-        if (nextKey_.empty())
-            return false;
+        }
+        if (!keyIsInPlace_) {
+            builder_.Key(nextKey_);
+            nextKey_.clear();
+            keyHasEscapes_ = true;
+        }
+        std::string& key = builder_.LastKey();
+        keyIsInPlace_ = key.empty(); // refused then, and pending still
         if (keyHasEscapes_)
-            UnescapeInPlace(nextKey_);
-        builder_.Key(std::move(nextKey_));
-        nextKey_.clear();
-        return true;
+            UnescapeInPlace(key);
+        return !keyIsInPlace_;
+    }
+
+    /// A pending key lies with the builder, where most are soon needed; it is in the way of what is done otherwise.
+    void PutKeyBack() noexcept
+    {
+        if (!keyIsInPlace_)
+            return;
+        nextKey_ = std::move(builder_.LastKey());
+        builder_.DropLastKey();
+        keyIsInPlace_ = false;
     }
 
     std::string& nextKey_;
-    bool keyHasEscapes_ = true;
+    bool keyIsInPlace_ = false;
+    bool keyHasEscapes_ = false;
     Builder builder_;
 };
 
