@@ -1,6 +1,6 @@
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/foundation/internal/KelInsException.h>
-#include <KelInsInfra/foundation/internal/WindowsApi.h>
+#include <KelInsInfra/foundation/internal/UniqueHandle.h>
 #include <KelInsInfra/io/FindFile.h>
 #include <KelInsInfra/io/KelInsIO.h>
 #include <exception>
@@ -31,16 +31,63 @@ struct OpenDirectory
     bool remains = false; ///< something in it was not removed
 };
 
+/// Keeps a directory from being moved away while it is emptied: a link put in its place would lead out of the tree. The
+/// access is one for which the system heeds that deleting is not shared.
+/// @return nothing where that cannot be had, and for a link, which may have come since the directory was listed.
+UniqueFileHandle PinDirectory(const std::string& path)
+{
+    const std::wstring widePath = KelInsString::Widen(path);
+    UniqueFileHandle pin(::CreateFileW(widePath.c_str(), FILE_LIST_DIRECTORY, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                       nullptr, OPEN_EXISTING,
+                                       FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (pin && (::GetFileAttributesW(widePath.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT) != 0) // a failure has all bits
+        pin.Reset();
+    return pin;
+}
+
+/// The directories on the way down that are being emptied.
+class Descent
+{
+public:
+    [[nodiscard]] bool IsEmpty() const { return way_.empty(); }
+
+    [[nodiscard]] FindFile& Search() { return way_.back().directory.search; }
+
+    /// What cannot be entered safely is removed as it is: a link alone, a directory if it is empty.
+    void Enter(const std::string& path)
+    {
+        UniqueFileHandle pin = PinDirectory(path);
+        if (pin)
+            way_.push_back({std::move(pin), OpenDirectory(path)});
+        else
+            RemoveOneDirectory(path);
+    }
+
+    void RemoveEmptied()
+    {
+        const std::string emptied = std::move(way_.back().directory.path);
+        way_.pop_back(); // ends pin and search: they would keep the directory from being removed
+        RemoveOneDirectory(emptied);
+    }
+
+private:
+    struct Level
+    {
+        UniqueFileHandle pin;
+        OpenDirectory directory;
+    };
+
+    std::vector<Level> way_;
+};
+
 void DeleteTree(const std::string& root)
 {
-    std::vector<OpenDirectory> way;
-    way.emplace_back(root);
-    while (!way.empty()) {
-        FindFile& search = way.back().search;
+    Descent descent;
+    descent.Enter(root);
+    while (!descent.IsEmpty()) {
+        FindFile& search = descent.Search();
         if (search.End()) {
-            const std::string emptied = std::move(way.back().path);
-            way.pop_back(); // ends the search: it would keep the directory from being removed
-            RemoveOneDirectory(emptied);
+            descent.RemoveEmptied();
             continue;
         }
         const std::string entry = search.GetPath();
@@ -51,7 +98,7 @@ void DeleteTree(const std::string& root)
         else if (type.Has(Type::ReparsePoint))
             RemoveOneDirectory(entry); // the link alone
         else
-            way.emplace_back(entry);
+            descent.Enter(entry);
     }
 }
 

@@ -59,6 +59,11 @@ protected:
 
     ImportHook<DWORD(LPCWSTR)> attributes{"GetFileAttributesW", [](LPCWSTR) { return FILE_ATTRIBUTE_DIRECTORY; }};
 
+    ImportHook<HANDLE(LPCWSTR, DWORD, DWORD, void*, DWORD, DWORD, HANDLE)> pin{
+        "CreateFileW", [](LPCWSTR, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) {
+            return ::GetCurrentThread(); // one that need not be closed
+        }};
+
     ImportHook<HANDLE(LPCWSTR, LPWIN32_FIND_DATAW)> first{
         "FindFirstFileW", [this](LPCWSTR pattern, LPWIN32_FIND_DATAW record) {
             ++openSearches;

@@ -6,6 +6,7 @@
 #include <KelInsInfra/foundation/KelInsSys.h>
 #include <KelInsInfra/io/KelInsIO.h>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 
@@ -152,6 +153,58 @@ TEST(Delete, LinkInADirectoryIsRemovedAndItsTargetLeftAlone)
     EXPECT_TRUE(deletion.Calls().empty());
     EXPECT_EQ(search.Calls().size(), 1u);
     EXPECT_EQ(FileContent(directory / "target\\file"), "x");
+}
+
+/// An attacker puts a link in the place of a directory that was listed, just before it is entered.
+TEST(Delete, LinkSwappedInIsNotFollowed)
+{
+    const TempDirectory directory;
+    const std::string tree = directory / "tree";
+    const std::string victim = directory / "victim";
+    MakeDirectories(tree + "\\sub");
+    MakeDirectories(victim);
+    MakeFile(victim + "\\precious");
+    std::unique_ptr<DirectoryLink> link;
+    ImportHook<HANDLE(LPCWSTR, DWORD, DWORD, void*, DWORD, DWORD, HANDLE)> opening("CreateFileW");
+    ImportHook<HANDLE(LPCWSTR, LPWIN32_FIND_DATAW)> searching("FindFirstFileW");
+    ImportHook<HANDLE(LPCWSTR, DWORD, DWORD, void*, DWORD, DWORD, HANDLE)> swapping(
+        "CreateFileW",
+        [&](LPCWSTR name, DWORD access, DWORD share, void* security, DWORD how, DWORD flags, HANDLE pattern) {
+            if (std::wstring_view(name).ends_with(L"\\sub") && link == nullptr) {
+                ::MoveFileW(name, KelInsString::Widen(directory / "moved").c_str());
+                link = std::make_unique<DirectoryLink>(tree + "\\sub", victim);
+            }
+            return opening.CallOriginal(name, access, share, security, how, flags, pattern);
+        });
+    try {
+        KelInsIO::Delete(tree); // removes the link; Wine refuses that for one whose target is not empty
+    } catch (const std::runtime_error& error) {
+        EXPECT_TRUE(std::string(error.what()).starts_with("RemoveDirectory - " + tree)) << error.what();
+    }
+    ASSERT_NE(link, nullptr);
+    EXPECT_EQ(TreeNames(victim), std::vector<std::string>{"precious"});
+    for (const auto& call : searching.Calls())
+        EXPECT_FALSE(std::get<0>(call).ends_with(L"sub\\*")) << "the link was entered";
+}
+
+/// A directory that is being emptied cannot be exchanged any more.
+TEST(Delete, DirectoryIsPinnedWhileItIsEmptied)
+{
+    const TempDirectory directory;
+    const std::string tree = directory / "tree";
+    MakeDirectories(tree + "\\sub");
+    MakeFile(tree + "\\sub\\file");
+    ImportHook<HANDLE(LPCWSTR, LPWIN32_FIND_DATAW)> plain("FindFirstFileW");
+    std::vector<DWORD> refusals;
+    ImportHook<HANDLE(LPCWSTR, LPWIN32_FIND_DATAW)> searching("FindFirstFileW", [&](LPCWSTR name, auto* record) {
+        const std::wstring searched = std::wstring(name).substr(0, std::wstring_view(name).size() - 2);
+        EXPECT_FALSE(::MoveFileW(searched.c_str(), KelInsString::Widen(directory / "moved").c_str()));
+        refusals.push_back(::GetLastError());
+        return plain.CallOriginal(name, record);
+    });
+    KelInsIO::Delete(tree);
+    EXPECT_EQ(refusals, (std::vector<DWORD>{ERROR_SHARING_VIOLATION, ERROR_SHARING_VIOLATION}));
+    EXPECT_FALSE(KelInsIO::Exists(tree));
 }
 
 TEST(Delete, RefusedLinkThrows)
