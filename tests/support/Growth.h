@@ -5,12 +5,8 @@
 #include <functional>
 #include <limits>
 
-/// What GrowthFactor must stay below. Sanitized code works in other memory than its own, where more of it costs more.
-#ifdef __has_feature // clang, with which sanitized code is built
-constexpr double kGrowthLimit = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) ? 9 : 6;
-#else
+/// What GrowthFactor must stay below.
 constexpr double kGrowthLimit = 6;
-#endif
 
 /// How many times as long four times the work takes: about 4 when the time grows with the size, 16 when it grows with
 /// the square. The small work is run four times for each run of the large one, so that both take about as long and

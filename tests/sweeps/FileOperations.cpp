@@ -190,6 +190,22 @@ void AddCopies(std::vector<Operation>& operations)
                                     "Cannot read $\\file - ", "Cannot write into $\\new\\copy - "},
                           .documented = IsNothing, // read errors and short writes are not reported
                           .leaves = Leaves::Torn});
+    operations.push_back({.name = "CopyOntoItself",
+                          .exports = {"KelInsIO::Copy"},
+                          .prepare = MakeOneFile,
+                          .run =
+                              [](const Place& p) {
+                                  const std::string refusal = "Cannot copy " + File(p) + " to itself.\n";
+                                  try {
+                                      KelInsIO::Copy(File(p), File(p));
+                                  } catch (const std::runtime_error& error) {
+                                      if (error.what() != refusal)
+                                          throw;
+                                  }
+                                  return "";
+                              },
+                          .texts = {"GetType - $\\file - ", "CreateDirectory - $ - ", "Cannot stat $\\file - ",
+                                    "Cannot read $\\file - ", "Cannot write into $\\file - "}});
     operations.push_back(
         {.name = "CopyTree",
          .exports = {"KelInsIO::Copy"},
