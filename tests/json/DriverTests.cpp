@@ -464,6 +464,16 @@ TEST(JsonAttribute, WholeTexts)
     std::int32_t out = 77;
     ExpectThrowsText<std::runtime_error>([&] { Driver::GetAttribute(Members(), "text", out); },
                                          "JSON::Driver::GetAttribute - text is not a Number. Actual type: String");
+    ExpectThrowsText<std::runtime_error>([&] { Driver::GetAttribute(nullptr, "text", out); },
+                                         "JSON::Driver::GetAttribute - Value is null");
+    ExpectThrowsText<std::runtime_error>([&] { Driver::GetAttribute(Members(), "missing", out); },
+                                         "JSON::Driver::GetAttribute - Empty field: missing");
+    bool flag = false;
+    ExpectThrowsText<std::runtime_error>([&] { Driver::GetAttribute(Members(), "int", flag); },
+                                         "JSON::Driver::GetAttribute - int is not a Boolean. Actual type: Number");
+    std::string text;
+    ExpectThrowsText<std::runtime_error>([&] { Driver::GetAttribute(Members(), "yes", text); },
+                                         "JSON::Driver::GetAttribute - yes is not a String. Actual type: True");
     Pointer pointer;
     ExpectThrowsText<std::runtime_error>(
         [&] { Driver::GetAttribute(Members(), "none", pointer); },

@@ -166,6 +166,76 @@ TEST(JsonRelease, OnSeveralThreads)
     second.join();
 }
 
+/// One thread releases the document, the other a container out of its middle.
+TEST(JsonRelease, InnerContainersOnAnotherThread)
+{
+    for (int i = 0; i < 50; ++i) {
+        Driver driver;
+        ASSERT_TRUE(driver.Parse(R"({"a":[[1,{"b":[2,{"c":"a text that is longer than a small one"}]}],3]})"));
+        Pointer inner = driver.GetValue()->GetObjectValue("a")->GetArrayValue(0);
+        std::thread other([&inner] { inner.reset(); });
+        driver.ResetParser();
+        other.join();
+    }
+}
+
+/// What a parse has destroyed by recursion, as its levels are few, may have got many more by hand.
+TEST(JsonRelease, DeepPartsAddedToAParsedDocument)
+{
+    OnSmallStack([] {
+        Driver driver;
+        ASSERT_TRUE(driver.Parse(R"({"a":[[[]]],"b":{"c":{}}})"));
+        const Pointer root = driver.GetValue();
+        for (const Pointer& part : {root->GetObjectValue("a")->GetArrayValue(0)->GetArrayValue(0),
+                                    root->GetObjectValue("b")->GetObjectValue("c")}) {
+            ASSERT_TRUE(driver.UseValue(part));
+            for (int i = 0; i < 50000; ++i) {
+                driver.SetNextObjectKey("k");
+                ASSERT_TRUE(driver.Add(i % 2 == 0 ? Pointer(Driver::CreateArray()) : Driver::CreateObject()));
+            }
+        }
+        driver.ResetParser();
+    });
+}
+
+TEST(JsonRelease, ParsedPartsInsideEachOther)
+{
+    OnSmallStack([] {
+        Driver driver;
+        Pointer whole = Driver::CreateArray();
+        for (int i = 0; i < 2000; ++i) {
+            ASSERT_TRUE(driver.Parse("[[[[[[[[[[]]]]]]]]]]"));
+            Pointer innermost = driver.GetValue();
+            while (innermost->GetSize() > 0)
+                innermost = innermost->GetArrayValue(0);
+            const Pointer outermost = driver.GetValue();
+            ASSERT_TRUE(driver.UseValue(innermost));
+            ASSERT_TRUE(driver.AddToArray(whole));
+            whole = outermost;
+        }
+        driver.ResetParser();
+        whole.reset();
+    });
+}
+
+TEST(JsonLongArrays, OfEveryKindOfElement)
+{
+    for (const std::size_t count : {63U, 64U, 65U, 1023U, 1024U, 1025U, 2100U, 5000U}) {
+        std::string text = "[0";
+        for (std::size_t i = 1; i < count; ++i)
+            text += i % 5 == 0   ? ", {\"k\": [" + std::to_string(i) + ", {}]}"
+                    : i % 7 == 0 ? ", [[" + std::to_string(i) + "]]"
+                                 : ", " + std::to_string(i);
+        text += "]";
+        for (const std::string& whole : {text, "{\"a\": " + text + ", \"b\": [" + text + ", 1, " + text + "]}"}) {
+            Driver driver;
+            ASSERT_TRUE(driver.Parse(whole));
+            EXPECT_TRUE(driver.GetJSON() == whole) << count;
+            EXPECT_TRUE(driver.GetValue()->Clone()->GetJSON() == whole) << count;
+        }
+    }
+}
+
 const char* const kExample =
     "{\"a\": [1, -2.50e+3, \"x\\ty\\u00e9\\\\\"], \"\": {\"k\": true},\r\n \"b\": false, # \"a\": null}";
 

@@ -171,7 +171,10 @@ TEST(JsonValue, ArrayValueByIndex)
 {
     const Pointer array = Parsed("[10,20,30]");
     EXPECT_EQ(array->GetArrayValue(0)->GetInteger(), 10);
+    EXPECT_EQ(array->GetArrayValue(1), array->GetArrayValues()[1]);
     EXPECT_EQ(array->GetArrayValue(2)->GetInteger(), 30);
+    EXPECT_EQ(Parsed("[]")->GetArrayValue(0), nullptr);
+    EXPECT_EQ(Parsed("[[1,2]]")->GetArrayValue(1), nullptr); // the inner one has it
     EXPECT_EQ(array->GetArrayValue(-1), nullptr);
     EXPECT_EQ(array->GetArrayValue(3), nullptr);
     EXPECT_EQ(array->GetArrayValue(std::numeric_limits<std::int32_t>::max()), nullptr);
@@ -338,7 +341,7 @@ TEST(JsonValue, Floats)
     for (const char* const text : {"", "-", "abc", "."})
         ExpectThrowsText<std::invalid_argument>([&] { Driver::CreateNumber(text)->GetFloat(); },
                                                 "invalid stof argument");
-    for (const char* const text : {"1e39", "-1e39", "1e999"})
+    for (const char* const text : {"1e39", "-1e39", "1e999", "1e-60", "-1e-60"})
         ExpectThrowsText<std::out_of_range>([&] { Driver::CreateNumber(text)->GetFloat(); },
                                             "stof argument out of range");
 }
