@@ -55,36 +55,6 @@ tests() { # PRESET OPTION...: the tests that are built there
     rm -rf "build/$preset/results" && mkdir -p "build/$preset/results" && ctest --preset "$preset" -j "$(nproc)" "$@"
 }
 
-fuzz() { # SECONDS: every target side by side, from its seeds, with its dictionary
-    local seconds=$1 target name status=0 jobs=()
-    mkdir -p build/fuzz
-    shopt -s nullglob
-    local targets=(build/native-fuzz/bin/*Fuzz)
-    [ "${#targets[@]}" -gt 0 ] || { echo "no fuzz target was built"; return 1; }
-    for target in "${targets[@]}"; do
-        name=$(basename "$target")
-        mkdir -p "build/fuzz/$name"
-        local time=$((seconds / 4 + 1))
-        case $name in Json* | Xml*) time=$seconds ;; esac
-        local options=(-max_total_time="$time" -timeout=25 -rss_limit_mb=4096 -print_final_stats=1
-            -artifact_prefix="build/fuzz/$name-")
-        [ -f "fuzz/${name%Fuzz}.dict" ] && options+=("-dict=fuzz/${name%Fuzz}.dict")
-        "$target" "${options[@]}" "build/fuzz/$name" "fuzz/corpus/${name%Fuzz}" >"$logs/$name.log" 2>&1 &
-        jobs+=("$!:$name")
-        while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do sleep 0.2; done
-    done
-    for target in "${jobs[@]}"; do
-        if wait "${target%%:*}"; then
-            echo "${target#*:}: $(grep -oE 'number_of_executed_units: *[0-9]+' "$logs/${target#*:}.log")"
-        else
-            echo "FAILED ${target#*:}"
-            tail -n 20 "$logs/${target#*:}.log"
-            status=1
-        fi
-    done
-    return $status
-}
-
 echo "KelInsInfra: all checks and tests"
 step "install what is missing" scripts/install.sh || exit 1
 step "layout and lint" scripts/check-style.sh
@@ -109,7 +79,7 @@ if step "build for Windows, each public header alone too" build mingw all all_ve
     fi
 fi
 if [ "$fuzz_seconds" -gt 0 ] && step "build the fuzz targets" build native-fuzz all; then
-    step "fuzz, up to $fuzz_seconds s for each target" fuzz "$fuzz_seconds"
+    step "fuzz, up to $fuzz_seconds s for each target" scripts/fuzz.sh "$fuzz_seconds"
 fi
 
 python3 scripts/count_tests.py "${results[@]}" || failed+=("the count of tests")
