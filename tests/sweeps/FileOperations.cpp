@@ -208,6 +208,26 @@ void AddCopies(std::vector<Operation>& operations)
          .leaves = Leaves::Torn});
 }
 
+/// Refused, as long as it can be told; if not, the file cannot be opened twice.
+void AddCopyToItself(std::vector<Operation>& operations)
+{
+    operations.push_back({.name = "CopyToItself",
+                          .exports = {"KelInsIO::Copy"},
+                          .prepare = MakeOneFile,
+                          .run = [](const Place& p) -> std::string {
+                              try {
+                                  KelInsIO::Copy(File(p), File(p));
+                              } catch (const std::runtime_error& error) {
+                                  if (std::string_view(error.what()).ends_with("to itself.\n"))
+                                      return "refused";
+                                  throw;
+                              }
+                              return "copied";
+                          },
+                          .texts = {"GetType - $\\file - ", "CreateDirectory - $ - ", "Cannot stat $\\file - ",
+                                    "Cannot read $\\file - ", "Cannot write into $\\file - "}});
+}
+
 void AddSearches(std::vector<Operation>& operations)
 {
     operations.push_back(
@@ -316,6 +336,7 @@ void AddFileOperations(std::vector<Operation>& operations)
     AddAttributeChanges(operations);
     AddChanges(operations);
     AddCopies(operations);
+    AddCopyToItself(operations);
     AddSearches(operations);
     AddStreams(operations);
 }
