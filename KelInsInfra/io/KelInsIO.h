@@ -106,7 +106,8 @@ KELINS_API void Copy(const std::string& source, const std::string& destination);
 
 /// Deletes a file, or a directory with all in it. Of a link to a directory only the link is removed, never what stands
 /// in its target. Read-only files are refused: they are not made writable first. A drive ("C:") stands for its root
-/// directory with all in it.
+/// directory with all in it. A link that somebody puts in the place of a directory meanwhile is not followed; a
+/// directory that another process holds open to delete it is only removed if it is empty.
 /// @throws "Delete - empty path\n"; "DeleteFile - <path> - <system text>\n";
 ///         "RemoveDirectory - <path> - <system text>\n"; and as GetType, so also for a missing path.
 KELINS_API void Delete(const std::string& path);

@@ -407,6 +407,10 @@ void WarmUp()
         const Session session;
         Outcome outcome;
         session.Run(session.Find("DeleteFile"), scene.Get(), outcome); // there is none
+        session.Run(session.Find("GetTime"), scene.Get(), outcome);    // likewise, and the C runtime has words for it
+        Prepare(scene, session.Find("InputStream"));
+        session.Run(session.Find("InputStream"), scene.Get(), outcome);
+        scene.Empty();
         HandleCount();
     }
 }

@@ -190,22 +190,6 @@ void AddCopies(std::vector<Operation>& operations)
                                     "Cannot read $\\file - ", "Cannot write into $\\new\\copy - "},
                           .documented = IsNothing, // read errors and short writes are not reported
                           .leaves = Leaves::Torn});
-    operations.push_back({.name = "CopyOntoItself",
-                          .exports = {"KelInsIO::Copy"},
-                          .prepare = MakeOneFile,
-                          .run =
-                              [](const Place& p) {
-                                  const std::string refusal = "Cannot copy " + File(p) + " to itself.\n";
-                                  try {
-                                      KelInsIO::Copy(File(p), File(p));
-                                  } catch (const std::runtime_error& error) {
-                                      if (error.what() != refusal)
-                                          throw;
-                                  }
-                                  return "";
-                              },
-                          .texts = {"GetType - $\\file - ", "CreateDirectory - $ - ", "Cannot stat $\\file - ",
-                                    "Cannot read $\\file - ", "Cannot write into $\\file - "}});
     operations.push_back(
         {.name = "CopyTree",
          .exports = {"KelInsIO::Copy"},
@@ -222,6 +206,26 @@ void AddCopies(std::vector<Operation>& operations)
                    "FindFirstFile - Path is empty\n"},
          .documented = IsNothing, // nor are failures of a search
          .leaves = Leaves::Torn});
+}
+
+/// Refused, as long as it can be told; if not, the file cannot be opened twice.
+void AddCopyToItself(std::vector<Operation>& operations)
+{
+    operations.push_back({.name = "CopyToItself",
+                          .exports = {"KelInsIO::Copy"},
+                          .prepare = MakeOneFile,
+                          .run = [](const Place& p) -> std::string {
+                              try {
+                                  KelInsIO::Copy(File(p), File(p));
+                              } catch (const std::runtime_error& error) {
+                                  if (std::string_view(error.what()).ends_with("to itself.\n"))
+                                      return "refused";
+                                  throw;
+                              }
+                              return "copied";
+                          },
+                          .texts = {"GetType - $\\file - ", "CreateDirectory - $ - ", "Cannot stat $\\file - ",
+                                    "Cannot read $\\file - ", "Cannot write into $\\file - "}});
 }
 
 void AddSearches(std::vector<Operation>& operations)
@@ -332,6 +336,7 @@ void AddFileOperations(std::vector<Operation>& operations)
     AddAttributeChanges(operations);
     AddChanges(operations);
     AddCopies(operations);
+    AddCopyToItself(operations);
     AddSearches(operations);
     AddStreams(operations);
 }
