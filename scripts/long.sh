@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The long runs, for every night: whole kill sweep, other versions of Windows, coverage, large sizes, ten minutes of fuzzing.
+# The long runs, for every night: fault sweep, whole kill sweep, other versions of Windows, coverage, large sizes, ten minutes of fuzzing.
 # Installs and builds what they need. Exits 0 only when all passed; logs are in build/logs/long.
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -37,6 +37,7 @@ kill_sweep() {
 step install scripts/install.sh
 step build-windows build mingw all
 step wine scripts/wine-prefix.sh
+step fault-sweep in_wine fault_sweep --gtest_filter='-*KillSweep*'
 step kill-sweep kill_sweep
 step scale in_wine scale_tests
 step versions scripts/test-on-versions.sh

@@ -52,7 +52,7 @@ build() { # PRESET TARGET...
 tests() { # PRESET OPTION...: the tests that are built there
     local preset=$1
     shift
-    rm -rf "build/$preset/results" && mkdir -p "build/$preset/results" && ctest --preset "$preset" -j "$(nproc)" "$@"
+    rm -rf "build/$preset/results" && mkdir -p "build/$preset/results" && ctest --preset "$preset" -LE long -j "$(nproc)" "$@"
 }
 
 echo "KelInsInfra: all checks and tests"
