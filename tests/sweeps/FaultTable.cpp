@@ -149,8 +149,8 @@ const std::vector<std::string_view>& HarmlessFunctions()
         "IsDBCSLeadByteEx", "___lc_codepage_func", "___mb_cur_max_func", "getc", "islower", "isspace", "isupper",
         "isxdigit", "localeconv", "tolower", "ungetc",
         // memory that is there
-        "_errno", "free", "memchr", "memcmp", "memcpy", "memmove", "memset", "strerror", "strlen", "strncmp", "strtol",
-        "strtoul", "wcslen"};
+        "_errno", "free", "memchr", "memcmp", "memcpy", "memmove", "memset", "strchr", "strerror", "strlen", "strncmp",
+        "strtol", "strtoul", "wcslen"};
     return functions;
 }
 
