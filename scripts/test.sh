@@ -10,7 +10,7 @@ set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root" || exit 1
 
-fuzz_seconds=${KELINS_FUZZ_SECONDS:-24} # for each parser of whole documents; the smaller formats get a quarter: a minute in all
+fuzz_seconds=${KELINS_FUZZ_SECONDS:-60} # for each parser of whole documents; the smaller formats get a quarter
 case ${1:-} in
     --no-fuzz) fuzz_seconds=0 ;;
     -h | --help) sed -n '2,9s/^# \?//p' "${BASH_SOURCE[0]}"; exit 0 ;;

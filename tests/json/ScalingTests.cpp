@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-/// Four times the work must take about four times as long: under six times.
+/// Four times the work must take about four times as long: kGrowthLimit says how much more may be.
 
 namespace {
 
