@@ -14,21 +14,23 @@ void CheckArguments(const std::string& fileName, const std::string& key)
         throw std::runtime_error("Key is empty");
 }
 
-/// A file that could not be asked about, but can be opened, is not missing: what it holds must not be lost. Names that
-/// mean another file once a path is made of them (those in quotes) are not tried.
-bool CanBeRead(const std::string& fileName)
-{
-    return KelInsIO::Path(fileName).GetPath() == KelInsIO::Path::NormalizePathSeparator(fileName) &&
-           KelInsIO::GetInputFileStream(fileName, std::ios_base::in).good();
-}
-
-/// Content of the file; empty where there is none yet, and its directory then exists.
+/// Content of the file; empty where there is none yet, and its directory then exists. What can be opened is not
+/// missing, whatever the system says when it is asked: its lines must not be lost. Names that mean another file once a
+/// path is made of them (those in quotes) are opened only when there is a file of that very name.
 std::string Load(const std::string& fileName)
 {
-    if ((KelInsIO::Exists(fileName) && KelInsIO::IsFile(fileName)) || CanBeRead(fileName))
-        return KelInsIO::ReadForRewriting(fileName, {});
-    KelInsIO::CreateDir(KelInsIO::Path(fileName).GetParent().GetPath());
-    return {};
+    const KelInsIO::Path path(fileName);
+    const bool isItsOwnName = path.GetPath() == KelInsIO::Path::NormalizePathSeparator(fileName);
+    std::ifstream stream;
+    if (isItsOwnName)
+        stream = KelInsIO::GetInputFileStream(path, std::ios_base::in);
+    if (!stream.is_open() && !(KelInsIO::Exists(fileName) && KelInsIO::IsFile(fileName))) {
+        KelInsIO::CreateDir(path.GetParent().GetPath());
+        return {};
+    }
+    if (!isItsOwnName)
+        stream = KelInsIO::GetInputFileStream(path, std::ios_base::in);
+    return KelInsIO::ReadForRewriting(stream, fileName, {});
 }
 
 } // namespace

@@ -24,6 +24,12 @@ UniqueFileHandle OpenToIdentify(const std::string& path)
                                           OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
+HANDLE HandleOf(const UniqueDescriptor& file)
+{
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the C runtime gives a handle as an integer
+    return reinterpret_cast<HANDLE>(::_get_osfhandle(file.Get()));
+}
+
 /// False when it can be told quickly that these are two files: asking for identities takes the system longer.
 bool MayBeSameFile(HANDLE a, HANDLE b)
 {
@@ -33,38 +39,41 @@ bool MayBeSameFile(HANDLE a, HANDLE b)
            ::CompareFileTime(&first, &second) == 0;
 }
 
-/// Both are open at once: the system promises an index to stay the same only while the file is open.
-bool AreSameFile(const std::string& source, const std::string& destination)
+/// The source's handle, when it is open, saves its opening here. Both files are open at once: the system promises an
+/// index to stay the same only while the file is open.
+bool AreSameFile(const std::string& source, const UniqueDescriptor& openSource, const std::string& destination)
 {
     const UniqueFileHandle b = OpenToIdentify(destination);
     if (!b) // mostly because there is none yet
         return false;
-    const UniqueFileHandle a = OpenToIdentify(source);
+    const UniqueFileHandle opened = openSource ? UniqueFileHandle() : OpenToIdentify(source);
+    const HANDLE a = openSource ? HandleOf(openSource) : opened.Get();
     BY_HANDLE_FILE_INFORMATION first;
     BY_HANDLE_FILE_INFORMATION second;
-    return a && MayBeSameFile(a.Get(), b.Get()) && ::GetFileInformationByHandle(a.Get(), &first) &&
+    return a != INVALID_HANDLE_VALUE && MayBeSameFile(a, b.Get()) && ::GetFileInformationByHandle(a, &first) &&
            ::GetFileInformationByHandle(b.Get(), &second) &&
            first.dwVolumeSerialNumber == second.dwVolumeSerialNumber && first.nFileIndexHigh == second.nFileIndexHigh &&
            first.nFileIndexLow == second.nFileIndexLow;
 }
 
 /// Opens a file that others may read, but not write meanwhile, and that child processes do not inherit.
-/// @param failure  text of the exception, before the path.
-UniqueDescriptor Open(const std::string& path, int flags, const char* failure)
+/// @return 0, or the errno value of the failure; the descriptor then stays as it was.
+int Open(const std::string& path, int flags, UniqueDescriptor& opened)
 {
     const std::wstring widePath = KelInsString::Widen(path);
     int descriptor = -1;
     const int error =
         ::_wsopen_s(&descriptor, widePath.c_str(), flags | _O_BINARY | _O_NOINHERIT, _SH_DENYWR, _S_IREAD | _S_IWRITE);
-    if (error != 0)
-        throw KelInsExceptionErrno(failure + path, error);
-    return UniqueDescriptor(descriptor);
+    if (error == 0)
+        opened = UniqueDescriptor(descriptor);
+    return error;
 }
 
-void CopyFileContent(const std::string& source, const std::string& destination)
+void CopyContent(const UniqueDescriptor& input, const std::string& destination)
 {
-    const UniqueDescriptor input = Open(source, _O_RDONLY, "Cannot read ");
-    const UniqueDescriptor output = Open(destination, _O_WRONLY | _O_CREAT | _O_TRUNC, "Cannot write into ");
+    UniqueDescriptor output;
+    if (const int error = Open(destination, _O_WRONLY | _O_CREAT | _O_TRUNC, output))
+        throw KelInsExceptionErrno("Cannot write into " + destination, error);
     const auto block = std::make_unique_for_overwrite<char[]>(kBlockSize);
     for (;;) {
         const int count = ::_read(input.Get(), block.get(), kBlockSize);
@@ -85,9 +94,13 @@ void CopyOneFile(const std::string& source, const std::string& destination)
     FileRecord record;
     if (const int error = ReadFileRecord(source, record))
         throw KelInsExceptionErrno("Cannot stat " + source, error);
-    if (AreSameFile(source, destination))
+    UniqueDescriptor input;
+    const int error = Open(source, _O_RDONLY, input);
+    if (AreSameFile(source, input, destination))
         throw KelInsException("Cannot copy " + source + " to itself.");
-    CopyFileContent(source, destination);
+    if (error != 0)
+        throw KelInsExceptionErrno("Cannot read " + source, error);
+    CopyContent(input, destination);
 }
 
 /// A directory on the way down. The way is kept in a vector, so that depth costs memory and not the caller's stack.

@@ -1,5 +1,6 @@
 #include <KelInsInfra/foundation/internal/WindowsApi.h>
 #include <KelInsInfra/io/KelInsIO.h>
+#include <KelInsInfra/io/internal/NewFile.h>
 #include <ext/stdio_filebuf.h>
 #include <fcntl.h>
 #include <io.h>
@@ -50,20 +51,22 @@ std::optional<int> OpenFlags(Mode mode)
 }
 
 /// -1 when the file cannot be opened so.
-int OpenDescriptor(const std::string& path, Mode mode)
+/// @param moreFlags  of the C runtime, beside those of the mode.
+int OpenDescriptor(const std::string& path, Mode mode, int moreFlags)
 {
     const std::optional<int> flags = OpenFlags(mode);
     if (!flags || path.find('\0') != std::string::npos) // the system would open the name before the NUL
         return -1;
     int descriptor = -1;
-    ::_wsopen_s(&descriptor, Path::GetFullPathNameW(path).c_str(), *flags, _SH_DENYWR, _S_IREAD | _S_IWRITE);
+    ::_wsopen_s(&descriptor, Path::GetFullPathNameW(path).c_str(), *flags | moreFlags, _SH_DENYWR,
+                _S_IREAD | _S_IWRITE);
     return descriptor;
 }
 
 /// False when the file cannot be opened so; the buffer then stays closed.
-bool Open(std::filebuf& target, const std::string& path, Mode mode)
+bool Open(std::filebuf& target, const std::string& path, Mode mode, int moreFlags = 0)
 {
-    const int descriptor = OpenDescriptor(path, mode);
+    const int descriptor = OpenDescriptor(path, mode, moreFlags);
     if (descriptor == -1)
         return false;
     __gnu_cxx::stdio_filebuf<char> buffer(descriptor, mode, kBufferSize); // closes it, also when this throws
@@ -92,6 +95,14 @@ std::ofstream GetOutputFileStream(const Path& path, std::ios_base::openmode mode
 {
     std::ofstream stream;
     if (!Open(*stream.rdbuf(), path.GetPath(), mode | std::ios_base::out | std::ios_base::binary))
+        stream.setstate(std::ios_base::failbit);
+    return stream;
+}
+
+std::ofstream CreateFileStream(const std::string& path)
+{
+    std::ofstream stream;
+    if (!Open(*stream.rdbuf(), Path(path).GetPath(), std::ios_base::out | std::ios_base::binary, _O_EXCL))
         stream.setstate(std::ios_base::failbit);
     return stream;
 }

@@ -13,7 +13,9 @@ std::int32_t ReplaceInLines(const std::string& fileName, const std::string& from
     if (from.empty())
         return 0;
     const std::string name = Path::NormalizePathSeparator(fileName);
-    const LineReplacement replacement = ReplaceInEachLine(ReadForRewriting(name, frame), from, to);
+    std::ifstream file = GetInputFileStream(name, std::ios_base::in);
+    const LineReplacement replacement = ReplaceInEachLine(ReadForRewriting(file, name, frame), from, to);
+    file.close();
     RewriteFile(name, name + "_TmpRIL", replacement.text, frame);
     return replacement.count;
 }

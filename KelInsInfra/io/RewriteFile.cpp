@@ -1,16 +1,16 @@
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/foundation/internal/UniqueHandle.h>
 #include <KelInsInfra/io/KelInsIO.h>
+#include <KelInsInfra/io/internal/NewFile.h>
 #include <KelInsInfra/io/internal/RewriteFile.h>
 #include <algorithm>
-#include <memory>
 #include <optional>
 #include <stdexcept>
 
 namespace KelInsIO {
 namespace {
 
-constexpr std::size_t kBlockSize = 32768;
+constexpr std::size_t kBlockSize = 65536;
 
 [[noreturn]] void Fail(const MessageFrame& frame, const std::string& text)
 {
@@ -27,10 +27,14 @@ void RemoveLeftover(const std::string& temporaryName)
 
 void WriteWhole(const std::string& temporaryName, const std::string& content, const MessageFrame& frame)
 {
-    std::ofstream stream = GetOutputFileStream(temporaryName, std::ios_base::out);
+    std::ofstream stream = CreateFileStream(temporaryName);
+    if (!stream.good()) {
+        RemoveLeftover(temporaryName);
+        stream = GetOutputFileStream(temporaryName, std::ios_base::out);
+    }
     if (!stream.good())
         Fail(frame, "Failed to open " + temporaryName);
-    for (std::size_t written = 0; written < content.size(); written += kBlockSize) // beyond 2 GiB one call would not do
+    for (std::size_t written = 0; written < content.size(); written += kBlockSize)
         stream.write(content.data() + written,
                      static_cast<std::streamsize>(std::min(kBlockSize, content.size() - written)));
     stream.close();
@@ -80,22 +84,23 @@ std::optional<std::size_t> SizeOf(std::streambuf& file)
 
 } // namespace
 
-std::string ReadForRewriting(const std::string& name, const MessageFrame& frame)
+std::string ReadForRewriting(std::istream& file, const std::string& name, const MessageFrame& frame)
 {
-    std::ifstream stream = GetInputFileStream(name, std::ios_base::in);
-    if (!stream.good())
+    if (!file.good())
         Fail(frame, "Failed to open " + name);
-    std::string content;
-    const std::optional<std::size_t> size = SizeOf(*stream.rdbuf());
+    const std::optional<std::size_t> size = SizeOf(*file.rdbuf());
     if (!size)
         Fail(frame, "Failed to read " + name);
-    content.reserve(*size);
-    const auto block = std::make_unique_for_overwrite<char[]>(kBlockSize);
-    do {
-        stream.read(block.get(), kBlockSize);
-        content.append(block.get(), static_cast<std::size_t>(stream.gcount()));
-    } while (stream.good());
-    if (stream.bad())
+    std::string content(*size + 1, '\0'); // one more than there is: the end is met without growing
+    std::size_t filled = 0;
+    while (file.good()) {
+        if (filled == content.size())
+            content.resize(filled + kBlockSize);
+        file.read(content.data() + filled, static_cast<std::streamsize>(std::min(kBlockSize, content.size() - filled)));
+        filled += static_cast<std::size_t>(file.gcount());
+    }
+    content.resize(filled);
+    if (file.bad())
         Fail(frame, "Failed to read " + name);
     return content;
 }
@@ -103,7 +108,6 @@ std::string ReadForRewriting(const std::string& name, const MessageFrame& frame)
 void RewriteFile(const std::string& name, const std::string& temporaryName, const std::string& content,
                  const MessageFrame& frame)
 {
-    RemoveLeftover(temporaryName);
     WriteWhole(temporaryName, content, frame);
     const bool wasReadOnly = SetReadOnly(name, false);
     Copy(temporaryName, name);

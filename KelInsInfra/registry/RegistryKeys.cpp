@@ -49,7 +49,8 @@ namespace {
 /// What the view adds to an access mask.
 REGSAM ViewFlag(RegistryView view)
 {
-    if (!KelInsSys::IsRTOS64())
+    static const bool hasBothViews = KelInsSys::IsRTOS64(); // as long as the system runs
+    if (!hasBothViews)
         return 0;
     switch (view) {
     case RegistryView::Force32RegView:

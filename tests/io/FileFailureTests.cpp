@@ -194,7 +194,6 @@ TEST(CopyFailure, FilesThatCannotBeIdentifiedAreNotCompared)
     const Place place;
     const HookMaker failures[] = {
         Failing<CreateFileFunction>("CreateFileW", 1, INVALID_HANDLE_VALUE, LastError(5)),
-        Failing<CreateFileFunction>("CreateFileW", 2, INVALID_HANDLE_VALUE, LastError(5)),
         Failing<IdentityFunction>("GetFileInformationByHandle", 1, FALSE, LastError(5)),
         Failing<IdentityFunction>("GetFileInformationByHandle", 2, FALSE, LastError(5)),
     };
@@ -216,13 +215,31 @@ TEST(CopyFailure, FilesThatCannotBeIdentifiedAreNotCompared)
     EXPECT_EQ(HandleCount(), handles);
 }
 
+/// Also when it cannot be opened for copying, a file is recognised.
+TEST(CopyFailure, SourceThatCannotBeOpenedIsComparedAllTheSame)
+{
+    const Place place;
+    ImportHook<OpenFunction> hook("_wsopen_s");
+    hook.FailFrom(1, EACCES, Errno(EACCES));
+    ExpectThrowsText<KelInsException>([&] { KelInsIO::Copy(place.File(), place.File()); },
+                                      "Cannot copy " + place.File() + " to itself.\n");
+    MakeFile(place.New(), "other");
+    ExpectThrowsText<KelInsExceptionErrno>([&] { KelInsIO::Copy(place.File(), place.New()); },
+                                           "Cannot read " + place.File() + " - " + KelInsSys::GetErrnoMessage(EACCES) +
+                                               "\n");
+    EXPECT_EQ(FileContent(place.New()), "other");
+}
+
 TEST(CopyFailure, IdentifiesWithoutWritingAndSharesReadAndWrite)
 {
     const Place place;
     MakeFile(place.New(), "other");
     ImportHook<CreateFileFunction> hook("CreateFileW");
     KelInsIO::Copy(place.File(), place.New());
-    ASSERT_EQ(hook.Calls().size(), 2u);
+    ImportHook<OpenFunction> source("_wsopen_s");
+    source.FailCall(1, EACCES, Errno(EACCES));
+    EXPECT_THROW(KelInsIO::Copy(place.File(), place.New()), KelInsExceptionErrno);
+    ASSERT_EQ(hook.Calls().size(), 3u); // where the source is open already, the destination alone
     for (const auto& call : hook.Calls()) {
         EXPECT_EQ(std::get<1>(call), DWORD{GENERIC_READ});
         EXPECT_EQ(std::get<2>(call), DWORD{FILE_SHARE_READ | FILE_SHARE_WRITE});

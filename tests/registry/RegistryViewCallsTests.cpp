@@ -110,12 +110,17 @@ TEST_P(Views, SetTheirFlagAndTheirNameOn64BitWindows)
     ExpectCalls(GetParam().flag, GetParam().deletesWithView);
 }
 
-TEST_P(Views, SetNoFlagOn32BitWindowsButKeepTheirName)
+/// The kind of system is asked for once.
+class IsolatedViews : public Views
+{};
+
+TEST_P(IsolatedViews, SetNoFlagOn32BitWindowsButKeepTheirName)
 {
     const ImportSlots processor("GetSystemInfo", {}, reinterpret_cast<void*>(&Report32BitProcessor));
     ExpectCalls(0, false);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Views, testing::ValuesIn(kViews), LabelOf<ViewCase>);
+INSTANTIATE_TEST_SUITE_P(All, IsolatedViews, testing::ValuesIn(kViews), LabelOf<ViewCase>);
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <istream>
 #include <string>
 
 namespace KelInsIO {
@@ -11,9 +12,9 @@ struct MessageFrame
     std::string after;
 };
 
-/// Content of a file.
-/// @throws std::runtime_error  "Failed to open <name>"; "Failed to read <name>"; each in the frame.
-std::string ReadForRewriting(const std::string& name, const MessageFrame& frame);
+/// Content of a file that was opened for reading.
+/// @throws std::runtime_error  "Failed to open <name>": the stream was not; "Failed to read <name>"; each in the frame.
+std::string ReadForRewriting(std::istream& file, const std::string& name, const MessageFrame& frame);
 
 /// Replaces the content of a file, or creates it, by copying a temporary file over it: whatever fails, the whole new
 /// content lies in the temporary file before the file itself is touched. A read-only file is made writable for the copy

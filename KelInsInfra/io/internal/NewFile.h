@@ -1,0 +1,12 @@
+#pragma once
+
+#include <fstream>
+#include <string>
+
+namespace KelInsIO {
+
+/// Opens as GetOutputFileStream does, but only where nothing of that name is yet: no file, directory or link. The
+/// stream is in the failed state otherwise.
+std::ofstream CreateFileStream(const std::string& path);
+
+} // namespace KelInsIO
