@@ -5,6 +5,9 @@
 #include <KelInsInfra/hash/KelInsUUID.h>
 #include <KelInsInfra/hash/internal/Sha256Engines.h>
 #include <benchmark/benchmark.h>
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 #include <istream>
 #include <streambuf>
 #include <vector>
@@ -53,6 +56,22 @@ void StraightforwardLoop(Words& chaining, const unsigned char* blocks, std::uint
             chaining[i] += after[i];
     }
 }
+
+#if defined(__x86_64__)
+/// What no use of the SHA extensions can fall below: 32 instructions a block, each of which waits for the one before.
+[[gnu::target("sha,sse4.1")]] void RoundsAlone(Words& chaining, const unsigned char*, std::uint64_t count)
+{
+    __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(chaining.data()));
+    __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(&chaining[4]));
+    for (; count > 0; --count)
+#pragma GCC unroll 16
+        for (int i = 0; i < 16; ++i) {
+            b = _mm_sha256rnds2_epu32(b, a, a);
+            a = _mm_sha256rnds2_epu32(a, b, b);
+        }
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(chaining.data()), a);
+}
+#endif
 
 /// A stream over memory, as cheap as a stream can be.
 class MemoryBuffer : public std::streambuf
@@ -156,6 +175,9 @@ const bool kRegistered = [] {
     if (Sha256Engines::HaveShaExtensions()) {
         AddEngine("SHA-256 engine with SHA extensions, 64 KiB/KelInsInfra", 65536, &Sha256Engines::ShaExtensions);
         AddEngine("SHA-256 engine with SHA extensions, 64 KiB/portable engine", 65536, &Sha256Engines::Portable);
+#if defined(__x86_64__)
+        AddEngine("SHA-256 engine with SHA extensions, 64 KiB/its round instructions alone", 65536, &RoundsAlone);
+#endif
     }
     Add("UUID text/KelInsInfra", 0, [] { benchmark::DoNotOptimize(KelInsUUID::GetUUID(false)); });
     Add(std::string("UUID text/") + HashPeers::kUuid, 0, [] { benchmark::DoNotOptimize(HashPeers::Uuid()); });

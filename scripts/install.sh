@@ -17,6 +17,7 @@ packages=(
     valgrind                                     # counts instructions
     gcovr                                        # coverage
     libssl-dev uuid-dev                          # independent answers, and peers to be measured against
+    python3-cryptography-vectors                 # NIST's vectors for SHA-256
     nlohmann-json3-dev rapidjson-dev libpugixml-dev libtinyxml2-dev
     shared-mime-info iso-codes fontconfig-config docbook-xml adwaita-icon-theme # XML files that nobody here wrote
 )

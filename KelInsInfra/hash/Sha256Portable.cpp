@@ -31,12 +31,20 @@ template <int Count>
     return reinterpret_cast<Four>(doubled >> 17 ^ doubled >> 19) ^ words >> 10;
 }
 
+/// The four words after the first of eight. In doubled words, because four words taken from two vectors at once would
+/// be taken one by one.
+[[gnu::always_inline]] inline Four After1(Four first, Four second)
+{
+    const Two middle = __builtin_shufflevector(reinterpret_cast<Two>(first), reinterpret_cast<Two>(second), 1, 2);
+    return reinterpret_cast<Four>(reinterpret_cast<Two>(first) >> 32 | middle << 32);
+}
+
 /// Message words t to t + 3 from the sixteen before them: w0 holds words t - 16 to t - 13, and so on.
 [[gnu::always_inline]] inline Four NextWords(Four w0, Four w1, Four w2, Four w3)
 {
     const Four none{};
-    const Four words15 = __builtin_shufflevector(w0, w1, 1, 2, 3, 4);
-    const Four words7 = __builtin_shufflevector(w2, w3, 1, 2, 3, 4);
+    const Four words15 = After1(w0, w1);
+    const Four words7 = After1(w2, w3);
     Four words = w0 + words7 + (Rotr<7>(words15) ^ Rotr<18>(words15) ^ words15 >> 3);
     words += __builtin_shufflevector(Sigma1(__builtin_shufflevector(w3, w3, 2, 2, 3, 3)), none, 0, 2, 4, 6);
     words += __builtin_shufflevector(none, Sigma1(__builtin_shufflevector(words, words, 0, 0, 1, 1)), 0, 2, 4, 6);

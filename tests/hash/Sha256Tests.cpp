@@ -1,7 +1,5 @@
 #include "Sha256Data.h"
 #include <KelInsInfra/hash/SHA256.h>
-#include <cctype>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
 #include <type_traits>
@@ -239,78 +237,6 @@ TEST(Sha256, ChunkSizeCanBeBoundToAReference)
 {
     const std::int32_t& size = SHA256::_cChunkSize;
     EXPECT_EQ(size, 64);
-}
-
-// The files of the validation programme of NIST, where they are: lines "Len = <bits>", "Msg = <hex>", "MD = <hex>".
-std::string FromHex(const std::string& digits)
-{
-    std::string bytes;
-    for (std::size_t i = 0; i + 1 < digits.size(); i += 2)
-        bytes += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
-    return bytes;
-}
-
-/// The value of a line "<name> = <value>", or an empty text.
-std::string ValueOf(const std::string& line, const std::string& name)
-{
-    if (line.rfind(name + " = ", 0) != 0)
-        return {};
-    std::string value = line.substr(name.size() + 3);
-    while (!value.empty() && std::isspace(static_cast<unsigned char>(value.back())) != 0)
-        value.pop_back();
-    return value;
-}
-
-void ExpectMessageFile(const std::string& name)
-{
-    std::ifstream file(KELINS_TEST_DATA "/sha256/" + name);
-    if (!file)
-        GTEST_SKIP() << "no " << name << " among the test data";
-    std::size_t bits = 0;
-    std::string message;
-    int checked = 0;
-    for (std::string line; std::getline(file, line);) {
-        if (const std::string length = ValueOf(line, "Len"); !length.empty())
-            bits = std::stoul(length);
-        else if (const std::string hex = ValueOf(line, "Msg"); !hex.empty())
-            message = FromHex(hex);
-        else if (const std::string digest = ValueOf(line, "MD"); !digest.empty()) {
-            EXPECT_EQ(SHA256::GetHash(message.substr(0, bits / 8)), digest) << bits << " bits";
-            ++checked;
-        }
-    }
-    EXPECT_GE(checked, 64) << "messages in " << name;
-}
-
-TEST(Sha256Nist, ShortMessages)
-{
-    ExpectMessageFile("SHA256ShortMsg.rsp");
-}
-
-TEST(Sha256Nist, LongMessages)
-{
-    ExpectMessageFile("SHA256LongMsg.rsp");
-}
-
-TEST(Sha256Nist, MonteCarlo)
-{
-    std::string seed = FromHex("6d1e72ad03ddeb5de891e572e2396f8da015d899ef0e79503152d6010a3fe691");
-    for (int round = 0; round < 100; ++round) {
-        std::string a = seed;
-        std::string b = seed;
-        std::string c = seed;
-        for (int i = 0; i < 1000; ++i) {
-            std::string next = FromHex(SHA256::GetHash(a + b + c));
-            a.swap(b);
-            b.swap(c);
-            c.swap(next);
-        }
-        seed = c;
-        if (round == 0) {
-            EXPECT_EQ(seed, FromHex("e93c330ae5447738c8aa85d71a6c80f2a58381d05872d26bdd39f1fcd4f2b788"));
-        }
-    }
-    EXPECT_EQ(seed, FromHex("6a912ba4188391a78e6f13d88ed2d14e13afce9db6f7dcbf4a48c24f3db02778"));
 }
 
 } // namespace
