@@ -55,7 +55,7 @@ for preset in native mingw; do
         run=("$program")
         [ "$preset" = native ] || run=("$root/scripts/wine.sh" "$program")
         rounds=()
-        case $name in
+        case $quick$name in
             growth*) rounds=(--benchmark_repetitions=5) ;;             # large inputs: five rounds are enough
             registry* | system*) rounds=(--benchmark_repetitions=31) ;; # small differences, noisy calls
         esac
