@@ -47,7 +47,7 @@ bool AreSameFile(const std::string& source, const UniqueDescriptor& openSource, 
     if (!b) // mostly because there is none yet
         return false;
     const UniqueFileHandle opened = openSource ? UniqueFileHandle() : OpenToIdentify(source);
-    const HANDLE a = openSource ? HandleOf(openSource) : opened.Get();
+    auto* const a = openSource ? HandleOf(openSource) : opened.Get();
     BY_HANDLE_FILE_INFORMATION first;
     BY_HANDLE_FILE_INFORMATION second;
     return a != INVALID_HANDLE_VALUE && MayBeSameFile(a, b.Get()) && ::GetFileInformationByHandle(a, &first) &&
