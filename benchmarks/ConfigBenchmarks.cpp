@@ -1,4 +1,4 @@
-// INI keys beside the system's own functions, and ReplaceInLines beside reading and writing the same bytes.
+// INI keys beside the system's own functions; ReplaceInLines beside sed, and beside reading and writing the same bytes.
 
 #include "Workplace.h"
 
@@ -113,6 +113,56 @@ void ReadAndWrite(benchmark::State& state, std::size_t megabytes)
     std::filesystem::remove(file);
 }
 
+/// What Unix programs call a file on drive Z:, which stands for their root.
+std::string UnixName(const std::string& file)
+{
+    std::string name = file.substr(2);
+    KelInsString::ReplaceAll(name, "\\", "/", 0);
+    return name;
+}
+
+/// Runs a line of the Unix shell from under Wine. Such a program has no process handle to wait for, so a file that it
+/// makes at its end is waited for instead.
+bool RunUnixShell(const std::string& line, const std::string& doneFile)
+{
+    std::wstring command = KelInsString::Widen(R"(Z:\bin\sh -c ")" + line + "; : >" + UnixName(doneFile) + '"');
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    if (!::CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process))
+        return false;
+    while (!std::filesystem::exists(doneFile))
+        ::Sleep(1);
+    std::filesystem::remove(doneFile);
+    return true;
+}
+
+bool Holds(const std::string& file, const char* text)
+{
+    std::ifstream stream(file, std::ios_base::binary);
+    std::string line;
+    return std::getline(stream, line) && line.find(text) != std::string::npos;
+}
+
+/// sed -i, which writes a new file beside the old one and renames it. Starting it is in its time: some milliseconds.
+void ReplaceLinesBySed(benchmark::State& state, std::size_t megabytes)
+{
+    const std::string file = Workplace::InMemory().MakeFile("replace_sed.txt", TextOfMegabytes(megabytes));
+    if (!file.starts_with("Z:"))
+        state.SkipWithError("sed reaches files of drive Z: only; see KELINS_BENCHMARK_MEMORY");
+    bool back = false;
+    for (auto _ : state) {
+        back = !back;
+        const std::string edit = back ? "sed -i s/OldPlace/NewPlace/g " : "sed -i s/NewPlace/OldPlace/g ";
+        if (!RunUnixShell(edit + UnixName(file), file + ".done") || !Holds(file, back ? "NewPlace" : "OldPlace")) {
+            state.SkipWithError("sed cannot be run from here");
+            break;
+        }
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * static_cast<std::int64_t>(megabytes << 20));
+    std::filesystem::remove(file);
+}
+
 const bool kRegistered = [] {
     using benchmark::RegisterBenchmark;
     const auto writing = [](const std::string& work, const Workplace& place) {
@@ -126,8 +176,14 @@ const bool kRegistered = [] {
     RegisterBenchmark("INI read, 1000 lines/GetPrivateProfileStringW", ReadIniBySystem);
     for (const std::size_t megabytes : {1U, 64U}) {
         const std::string work = "ReplaceInLines, " + std::to_string(megabytes) + " MB/";
-        RegisterBenchmark((work + "KelInsInfra").c_str(), [=](auto& state) { ReplaceLines(state, megabytes); });
-        RegisterBenchmark((work + "read and write").c_str(), [=](auto& state) { ReadAndWrite(state, megabytes); });
+        const auto add = [&](const char* contestant, auto* replace) {
+            RegisterBenchmark((work + contestant).c_str(), [=](auto& state) {
+                replace(state, megabytes);
+            })->UseRealTime();
+        };
+        add("KelInsInfra", ReplaceLines);
+        add("sed -i", ReplaceLinesBySed);
+        add("read and write", ReadAndWrite);
     }
     return true;
 }();
