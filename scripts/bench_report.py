@@ -30,6 +30,9 @@ def read_rounds(path):
     for run in sorted(runs, key=lambda r: (r["family_index"], r["per_family_instance_index"])):
         if run["run_type"] != "iteration":
             continue
+        if run.get("error_occurred"):
+            print(f"left out: {run['run_name']}: {run['error_message']}", file=sys.stderr)
+            continue
         work, contestant = run["run_name"].split("/")[:2]
         value = run["bytes"] if "bytes" in run else run["real_time"] * factor[run["time_unit"]]
         works.setdefault(work, {}).setdefault(contestant, []).append((run["repetition_index"], value))
