@@ -3,6 +3,7 @@
 #include <KelInsInfra/foundation/internal/KelInsException.h>
 #include <KelInsInfra/foundation/internal/UniqueHandle.h>
 #include <cstring>
+#include <new>
 
 namespace KelInsSys {
 
@@ -24,7 +25,10 @@ std::string GetLastErrorMessage(std::uint32_t code)
 
 std::string GetErrnoMessage(std::int32_t value)
 {
-    return std::strerror(value); // NOLINT(concurrency-mt-unsafe): the runtime keeps one buffer per thread
+    const char* text = std::strerror(value); // NOLINT(concurrency-mt-unsafe): the runtime keeps one buffer per thread
+    if (text == nullptr)                     // no memory for that buffer
+        throw std::bad_alloc();
+    return text;
 }
 
 } // namespace KelInsSys

@@ -18,7 +18,7 @@ KELINS_API std::string GetEnv(const std::string& name);
 ///
 /// @param name   UTF-8; an empty name does nothing.
 /// @param value  UTF-8; an empty value removes the variable (the C runtime's rule).
-/// Failures (a name with '=' in it, for instance) are not reported.
+/// Failures are not reported. A name with '=' in it is the C runtime's affair: refused, or cut off at that place.
 KELINS_API void PutEnv(const std::string& name, const std::string& value);
 
 } // namespace KelInsEnv

@@ -67,7 +67,7 @@ KELINS_API std::string ToFixedPrecision(double value, std::int32_t decimals);
 KELINS_API std::int32_t ToInt(const std::string& text, std::int32_t defaultValue);
 
 /// Decimal text to unsigned integer, as scanf's "%zu" reads it: leading white space and a sign are accepted (a minus
-/// sign wraps around), what follows the digits is ignored.
+/// sign wraps around), what follows the digits is ignored. A number that is too large gives the largest one.
 ///
 /// @return the number; defaultValue for empty text and text without digits.
 KELINS_API std::uint64_t ToSize_t(const std::string& text, std::uint64_t defaultValue);

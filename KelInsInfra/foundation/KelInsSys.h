@@ -6,7 +6,8 @@
 
 namespace KelInsSys {
 
-/// Text of a Windows error code, in the system's default language.
+/// Text of a Windows error code, in the first language that has one of those that the system looks through: neutral,
+/// the thread's, the user's, the system's, English.
 ///
 /// @param code  the value of GetLastError, or a status returned by a registry or Windows Installer call.
 /// @return UTF-8, one or more lines, without the final CR LF that the system appends; its full stop stays. Empty for

@@ -1,6 +1,7 @@
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <sstream>
@@ -89,12 +90,17 @@ std::vector<std::string> Split(const std::string& text, char delimiter, bool kee
 
 std::string ToFixedPrecision(double value, std::int32_t decimals)
 {
+    constexpr std::int32_t mostDecimals =
+        1074; // of any double; the stream needs a stack that grows with what it writes
     std::ostringstream stream;
     stream.exceptions(std::ios_base::badbit); // or it would keep std::bad_alloc to itself, and a part of the text
     stream.setf(std::ios_base::fixed, std::ios_base::floatfield);
-    stream.precision(decimals);
+    stream.precision(std::min(decimals, mostDecimals));
     stream << value;
-    return std::move(stream).str();
+    std::string text = std::move(stream).str();
+    if (decimals > mostDecimals && std::isfinite(value))
+        text.append(static_cast<std::size_t>(decimals - mostDecimals), '0');
+    return text;
 }
 
 std::int32_t ToInt(const std::string& text, std::int32_t defaultValue)

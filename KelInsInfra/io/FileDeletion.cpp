@@ -165,7 +165,7 @@ void Delete(const std::string& path)
 bool RemoveEmptyDirectories(const std::string& path)
 {
     try {
-        return IsDirectory(path) && RemoveEmptyBranches(path);
+        return IsDirectory(Path(path).GetPath()) && RemoveEmptyBranches(path); // the search normalises the path, too
     } catch (const std::exception&) {
         return false;
     }

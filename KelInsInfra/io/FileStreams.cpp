@@ -1,4 +1,4 @@
-#include <KelInsInfra/foundation/internal/WindowsApi.h>
+#include <KelInsInfra/foundation/internal/UniqueHandle.h>
 #include <KelInsInfra/io/KelInsIO.h>
 #include <KelInsInfra/io/internal/NewFile.h>
 #include <ext/stdio_filebuf.h>
@@ -50,23 +50,42 @@ std::optional<int> OpenFlags(Mode mode)
     return {};
 }
 
+/// Whether the system would see another name than this one: the part before the NUL.
+bool HoldsNul(const std::string& path)
+{
+    return path.find('\0') != std::string::npos;
+}
+
 /// -1 when the file cannot be opened so.
-/// @param moreFlags  of the C runtime, beside those of the mode.
-int OpenDescriptor(const std::string& path, Mode mode, int moreFlags)
+int OpenDescriptor(const std::string& path, Mode mode)
 {
     const std::optional<int> flags = OpenFlags(mode);
-    if (!flags || path.find('\0') != std::string::npos) // the system would open the name before the NUL
+    if (!flags || HoldsNul(path))
         return -1;
     int descriptor = -1;
-    ::_wsopen_s(&descriptor, Path::GetFullPathNameW(path).c_str(), *flags | moreFlags, _SH_DENYWR,
-                _S_IREAD | _S_IWRITE);
+    ::_wsopen_s(&descriptor, Path::GetFullPathNameW(path).c_str(), *flags, _SH_DENYWR, _S_IREAD | _S_IWRITE);
     return descriptor;
 }
 
-/// False when the file cannot be opened so; the buffer then stays closed.
-bool Open(std::filebuf& target, const std::string& path, Mode mode, int moreFlags = 0)
+/// -1 when something of that name is there. Not by the C runtime, which would follow a link that leads to nothing and
+/// create what it names.
+int CreateDescriptor(const std::string& path)
 {
-    const int descriptor = OpenDescriptor(path, mode, moreFlags);
+    if (HoldsNul(path))
+        return -1;
+    UniqueFileHandle file(::CreateFileW(Path::GetFullPathNameW(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                        CREATE_NEW, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (!file)
+        return -1;
+    const int descriptor = ::_open_osfhandle(reinterpret_cast<std::intptr_t>(file.Get()), _O_BINARY | _O_NOINHERIT);
+    if (descriptor != -1)
+        static_cast<void>(file.Release()); // the descriptor closes it
+    return descriptor;
+}
+
+/// Hands the descriptor, which may be -1, over to the buffer. False when that fails; both are closed then.
+bool Attach(std::filebuf& target, int descriptor, Mode mode)
+{
     if (descriptor == -1)
         return false;
     __gnu_cxx::stdio_filebuf<char> buffer(descriptor, mode, kBufferSize); // closes it, also when this throws
@@ -81,12 +100,17 @@ bool Open(std::filebuf& target, const std::string& path, Mode mode, int moreFlag
     return true;
 }
 
+bool Open(std::filebuf& target, const Path& path, Mode mode)
+{
+    return Attach(target, OpenDescriptor(path.GetPath(), mode), mode);
+}
+
 } // namespace
 
 std::ifstream GetInputFileStream(const Path& path, std::ios_base::openmode mode)
 {
     std::ifstream stream;
-    if (!Open(*stream.rdbuf(), path.GetPath(), mode | std::ios_base::in | std::ios_base::binary))
+    if (!Open(*stream.rdbuf(), path, mode | std::ios_base::in | std::ios_base::binary))
         stream.setstate(std::ios_base::failbit);
     return stream;
 }
@@ -94,7 +118,7 @@ std::ifstream GetInputFileStream(const Path& path, std::ios_base::openmode mode)
 std::ofstream GetOutputFileStream(const Path& path, std::ios_base::openmode mode)
 {
     std::ofstream stream;
-    if (!Open(*stream.rdbuf(), path.GetPath(), mode | std::ios_base::out | std::ios_base::binary))
+    if (!Open(*stream.rdbuf(), path, mode | std::ios_base::out | std::ios_base::binary))
         stream.setstate(std::ios_base::failbit);
     return stream;
 }
@@ -102,7 +126,7 @@ std::ofstream GetOutputFileStream(const Path& path, std::ios_base::openmode mode
 std::ofstream CreateFileStream(const std::string& path)
 {
     std::ofstream stream;
-    if (!Open(*stream.rdbuf(), Path(path).GetPath(), std::ios_base::out | std::ios_base::binary, _O_EXCL))
+    if (!Attach(*stream.rdbuf(), CreateDescriptor(Path(path).GetPath()), std::ios_base::out | std::ios_base::binary))
         stream.setstate(std::ios_base::failbit);
     return stream;
 }

@@ -17,9 +17,10 @@
 /// message (KelInsSys::GetLastErrorMessage), <C text> for the C runtime's (KelInsSys::GetErrnoMessage), "\n" for the
 /// one line feed that ends these texts. Nothing is rolled back: a failed recursive operation leaves what it did so far.
 ///
-/// Streams open names of any length. All else takes names of up to 259 characters; longer ones in a process that is
-/// long-path aware (manifest, and the machine's LongPathsEnabled setting). GetFileSize, GetTime, CreateDir and Copy
-/// take no name with "\\?\" in front: the C runtime refuses the '?'.
+/// Streams open names of any length. All else takes names of up to 259 characters, of directories that are searched up
+/// to 257, of new directories up to 247; longer ones in a process that is long-path aware (manifest, and the machine's
+/// LongPathsEnabled setting). GetFileSize, GetTime and Copy take no name with "\\?\" in front, nor does CreateDir of a
+/// directory that exists: the C runtime refuses the '?'.
 namespace KelInsIO {
 
 /// What a directory entry is. ReparsePoint stands beside one of the other two.
@@ -74,7 +75,8 @@ KELINS_API std::int32_t GetChmod(const std::string& path);
 /// @name Attributes
 /// @{
 
-/// Sets access and modification time, in seconds since 1970-01-01 UTC; the creation time stays.
+/// Sets access and modification time of a file, in seconds since 1970-01-01 UTC; the creation time stays. The C runtime
+/// refuses directories and read-only files.
 /// @throws "SetTime - <path> - <C text>\n"
 KELINS_API void SetTime(const std::string& path, std::int64_t accessTime, std::int64_t modificationTime);
 
@@ -98,18 +100,23 @@ KELINS_API void CreateDir(const std::string& path);
 /// Copies a file, or a directory with all in it. An existing file is overwritten, missing directories above the
 /// destination are created. Attributes and times are not copied. A link to a directory is followed: what stands in the
 /// linked directory is copied. A directory must not be copied into itself: the copy may find itself and go on until the
-/// names are too long for the system. A read error ends the file's copy like its end and is not reported.
+/// names are too long for the system. A read error ends the file's copy like its end and is not reported; a directory
+/// that cannot be listed is copied as an empty one. As the search in a directory normalises its path, one whose very
+/// name stands in apostrophes or double quotes is named with the directory that holds it.
 /// @throws "Copy - empty source path\n"; "Copy - empty destination path\n"; "Cannot stat <source> - <C text>\n";
 ///         "Cannot copy <source> to itself.\n" also through a hard link; "Cannot read <source> - <C text>\n";
-///         "Cannot write into <destination> - <C text>\n"; and as GetType and CreateDir.
+///         "Cannot write into <destination> - <C text>\n"; and as GetType, CreateDir and FindFile.
 KELINS_API void Copy(const std::string& source, const std::string& destination);
 
 /// Deletes a file, or a directory with all in it. Of a link to a directory only the link is removed, never what stands
 /// in its target. Read-only files are refused: they are not made writable first. A drive ("C:") stands for its root
-/// directory with all in it. A link that somebody puts in the place of a directory meanwhile is not followed; a
-/// directory that another process holds open to delete it is only removed if it is empty.
+/// directory with all in it. As Copy, it takes a name that stands in quotes only behind its directory.
+///
+/// A directory cannot be moved away while it is emptied, and one whose place a link has taken since it was listed is
+/// not entered. What this cannot prevent is that somebody with the right to do so turns an empty directory into a link
+/// just then. A directory that another process holds open to delete it is only removed if it is empty.
 /// @throws "Delete - empty path\n"; "DeleteFile - <path> - <system text>\n";
-///         "RemoveDirectory - <path> - <system text>\n"; and as GetType, so also for a missing path.
+///         "RemoveDirectory - <path> - <system text>\n"; and as GetType, so also for a missing path, and as FindFile.
 KELINS_API void Delete(const std::string& path);
 
 /// Deletes one file.

@@ -47,7 +47,8 @@ public:
     /// "C:" or "\\server\share"; empty for a relative path.
     KELINS_API std::string GetRoot() const;
 
-    /// The text after the root and its separator; the whole text of a relative path; empty for a bare root.
+    /// The text after the root and its separator; the whole text of a relative path; empty for a bare root. Behind a
+    /// drive one character is taken for the separator, whatever it is: "C:xy" gives "y".
     KELINS_API std::string GetSubPath() const;
 
     /// The last component; empty for a bare root and for the empty path.

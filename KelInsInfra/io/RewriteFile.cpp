@@ -18,8 +18,7 @@ constexpr std::size_t kBlockSize = 65536;
 }
 
 /// Removes what an earlier, interrupted rewriting left. It may also be a link that somebody planted: never write
-/// through it, nor create what it names. A directory of that name stays, and the opening that follows reports what
-/// cannot be removed.
+/// through it, nor create what it names. What cannot be removed, such as a directory, makes the creation fail again.
 void RemoveLeftover(const std::string& temporaryName)
 {
     ::DeleteFileW(Path::GetFullPathNameW(Path(temporaryName).GetPath()).c_str());
@@ -30,7 +29,7 @@ void WriteWhole(const std::string& temporaryName, const std::string& content, co
     std::ofstream stream = CreateFileStream(temporaryName);
     if (!stream.good()) {
         RemoveLeftover(temporaryName);
-        stream = GetOutputFileStream(temporaryName, std::ios_base::out);
+        stream = CreateFileStream(temporaryName);
     }
     if (!stream.good())
         Fail(frame, "Failed to open " + temporaryName);

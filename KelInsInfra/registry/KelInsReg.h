@@ -9,7 +9,8 @@
 /// Registry keys and values, in the 32-bit or the 64-bit view of 64-bit Windows.
 ///
 /// A parent is an open Key, which is only looked at, or a RootKey. A subkey is the path from the parent, of one or more
-/// levels with '\' between them. Names and texts are UTF-8; what follows a NUL in them is not seen. Failures are
+/// levels with '\' between them. Names and texts are UTF-8; what follows a NUL in them is not seen. One of more than
+/// INT_MAX bytes is refused with ERROR_NO_UNICODE_TRANSLATION or ERROR_INVALID_PARAMETER. Failures are
 /// std::runtime_error with the text given at each function: <system text> stands for the system's message
 /// (KelInsSys::GetLastErrorMessage), <view> for the name of the RegistryView, "\n" for the one line feed that ends
 /// these texts.
@@ -24,7 +25,7 @@ enum class RootKey : std::uint32_t
 };
 
 /// Which of the two registries of 64-bit Windows is meant where there are two, as under HKLM\Software. Any other value
-/// is named DoNotForceRegView in texts and acts like it. On a system that is not 64-bit x86 there is no difference.
+/// is named DoNotForceRegView in texts and acts like it. Where KelInsSys::IsRTOS64 is false there is no difference.
 enum class RegistryView : std::uint32_t
 {
     DoNotForceRegView = 0, ///< the calling process's own
@@ -63,7 +64,7 @@ KELINS_API Key OpenKey(RootKey parent, const std::string& subkey, AccessRights a
 KELINS_API Key CreateKey(const Key& parent, const std::string& subkey, RegistryView view);
 KELINS_API Key CreateKey(RootKey parent, const std::string& subkey, RegistryView view);
 
-/// Deletes a key with its values. A key that has subkeys is refused.
+/// Deletes a key with its values. A key that has subkeys is refused. The empty path is the parent itself.
 /// @throws "DeleteKey - <subkey>, <view> - <system text>\n", for a missing key too.
 KELINS_API void DeleteKey(const Key& parent, const std::string& subkey, RegistryView view);
 KELINS_API void DeleteKey(RootKey parent, const std::string& subkey, RegistryView view);
@@ -76,7 +77,7 @@ KELINS_API void DeleteKeyTree(const Key& parent, const std::string& subkey, Regi
 KELINS_API void DeleteKeyTree(RootKey parent, const std::string& subkey, RegistryView view);
 
 /// Names of the keys right below a key, in the system's order.
-/// @param names  emptied first, and empty after a failure.
+/// @param names  emptied first, and empty after a failure named here.
 /// @return how many names there are.
 /// @throws "GetSubkeys -  - <system text>\n"
 KELINS_API std::uint64_t GetSubkeys(const Key& parent, std::vector<std::string>& names);
@@ -110,7 +111,7 @@ KELINS_API void GetValue(const Key& parent, const std::string& name, std::string
 KELINS_API void GetValue(RootKey parent, const std::string& name, std::string& value, RegistryView view);
 
 /// Names of a key's values, in the system's order; that of the default value, where it is set, is empty.
-/// @param names  emptied first, and empty after a failure.
+/// @param names  emptied first, and empty after a failure named here.
 /// @return how many names there are.
 /// @throws "GetValues -  - <system text>\n", also for a name of more than 255 UTF-16 units.
 KELINS_API std::uint64_t GetValues(const Key& parent, std::vector<std::string>& names);

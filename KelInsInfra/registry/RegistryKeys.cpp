@@ -46,11 +46,16 @@ std::string ViewName(RegistryView view)
 
 namespace {
 
+bool HasBothViews()
+{
+    static const bool both = KelInsSys::IsRTOS64(); // as long as the system runs
+    return both;
+}
+
 /// What the view adds to an access mask.
 REGSAM ViewFlag(RegistryView view)
 {
-    static const bool hasBothViews = KelInsSys::IsRTOS64(); // as long as the system runs
-    if (!hasBothViews)
+    if (!HasBothViews())
         return 0;
     switch (view) {
     case RegistryView::Force32RegView:
@@ -83,7 +88,7 @@ Key CreateSubkey(HKEY parent, const std::string& subkey, RegistryView view)
 void DeleteSubkey(HKEY parent, const std::string& subkey, RegistryView view)
 {
     const LSTATUS status = CallWithName(subkey, [&](const wchar_t* name) {
-        return view == RegistryView::DoNotForceRegView || !KelInsSys::IsRTOS64()
+        return view == RegistryView::DoNotForceRegView || !HasBothViews()
                    ? ::RegDeleteKeyW(parent, name)
                    : ::RegDeleteKeyExW(parent, name, ViewFlag(view), 0);
     });
@@ -98,9 +103,10 @@ std::vector<std::string> SubkeysOf(HKEY parent, const std::string& subkey, Regis
     return names;
 }
 
+/// The system sees a path up to a NUL: what came after that would make each key below the same key again, without end.
 std::string Below(const std::string& subkey, const std::string& name)
 {
-    return subkey + '\\' + name;
+    return std::string(subkey.c_str()) + '\\' + name;
 }
 
 void DeleteSubkeyTree(HKEY parent, const std::string& subkey, RegistryView view)

@@ -13,7 +13,7 @@ namespace KelInsSys {
 
 /// @name The system
 /// Versions are those that Windows reports to this process: a program whose manifest does not declare compatibility
-/// with Windows 10 is told 6.2.9200 there, and on Windows 11 too.
+/// with Windows 10 is told 6.2.9200 there, and on Windows 11 too, or 6.3.9600 if it declares that with Windows 8.1.
 /// @{
 
 /// "<major>.<minor>.<build>[ <service pack>] Client" or "... Server": "10.0.19045 Client",
@@ -27,7 +27,8 @@ KELINS_API bool IsClientOS();
 /// not tell.
 KELINS_API bool IsWindows11();
 
-/// Whether the real operating system is 64-bit x86; false on 64-bit Arm.
+/// Whether the system that this process sees is 64-bit x86. Windows on 64-bit Arm shows itself as such to the x86-64
+/// programs that it emulates, so true there too.
 KELINS_API bool IsRTOS64();
 
 /// NetBIOS name of this computer, at most 15 characters; empty when the system does not tell.
@@ -41,7 +42,8 @@ KELINS_API std::string GetHostname();
 /// Vista on is elevated too.
 ///
 /// Found out by the first call and kept: later changes of the environment have no effect. An environment variable
-/// KelProcessNotAdmin with any value but the empty one makes the answer false, whatever the rights.
+/// KelProcessNotAdmin with any value but the empty one makes the answer false, whatever the rights. It is inherited, or
+/// set by KelInsEnv::PutEnv: what the program's own runtime or SetEnvironmentVariable sets is not seen.
 /// @throws "AllocateAndInitializeSid failed. - <system text>\n"; "OpenProcessToken failed. - <system text>\n";
 ///         "GetTokenInformation failed. - <system text>\n". The next call then tries again.
 KELINS_API bool IsAdmin();

@@ -30,10 +30,16 @@ bool ProcessBuilder::Start(bool showWindow)
     startup.cb = sizeof(startup);
     startup.wShowWindow = SW_SHOW; // ignored by the system, as the flags are 0
 
-    std::wstring commandLine = KelInsString::Widen(command_); // the system may write into it
-    PROCESS_INFORMATION started{};                            // of its own: the system may clear it when it fails
-    const BOOL created = ::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, inheritHandles_,
-                                          showWindow ? 0 : CREATE_NO_WINDOW, nullptr, nullptr, &startup, &started);
+    PROCESS_INFORMATION started{}; // of its own: the system may clear it when it fails
+    BOOL created = FALSE;
+    DWORD error = ERROR_SUCCESS;
+    {
+        std::wstring commandLine = KelInsString::Widen(command_); // the system may write into it
+        created = ::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, inheritHandles_,
+                                   showWindow ? 0 : CREATE_NO_WINDOW, nullptr, nullptr, &startup, &started);
+        error = ::GetLastError();
+    }
+    ::SetLastError(error); // the caller's to ask for; freeing the text may have changed it
     if (created)
         process_ = {started.hProcess, started.hThread, started.dwProcessId, started.dwThreadId};
     return created;

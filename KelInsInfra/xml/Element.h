@@ -47,7 +47,8 @@ public:
     /// The attribute's value, possibly empty; defaultValue only where there is no such attribute.
     std::string GetAttributeValue(const std::string& name, const std::string& defaultValue) const;
 
-    /// Replaces the value in its place, or adds the attribute at the end. A bool is stored as "true" or "false".
+    /// Replaces the value in its place, or adds the attribute at the end. A bool is stored as "true" or "false", and so
+    /// is whatever else turns into one: write numbers with std::to_string. A null pointer is not allowed.
     void SetAttribute(const std::string& name, const std::string& value);
     void SetAttribute(const std::string& name, const char* value);
     void SetAttribute(const std::string& name, bool value);

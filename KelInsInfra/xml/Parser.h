@@ -53,7 +53,8 @@ public:
     /// in binary mode: in text mode fewer bytes come than were told, and Parse refuses the zero bytes that remain.
     ///
     /// @throws std::runtime_error  "Cannot read XML data" when the stream has failed already, cannot tell its size
-    ///         or go back to its start, or breaks while it is read.
+    ///         or go back to its start, or breaks while it is read. What a stream throws whose exceptions() are
+    ///         switched on is passed on.
     KELINS_API explicit Parser(std::istream& input);
     KELINS_API ~Parser();
     Parser(const Parser&) = delete;

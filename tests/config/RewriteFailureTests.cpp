@@ -19,6 +19,7 @@ const std::wstring kCppRuntime = L"libstdc++-6.dll";
 const std::wstring kCRuntime = L"msvcrt.dll";
 
 using WsopenHook = ImportHook<int(int*, const wchar_t*, int, int, int)>;
+using DescriptorHook = ImportHook<int(std::intptr_t, int)>;
 using FdopenHook = ImportHook<void*(int, const char*)>;
 using ReadHook = ImportHook<int(int, void*, unsigned)>;
 using SeekHook = ImportHook<std::int64_t(int, std::int64_t, int)>;
@@ -301,6 +302,11 @@ Failure FailOpen(std::size_t n)
     return FailNth<WsopenHook>("_wsopen_s", n, EACCES, Errno(EACCES));
 }
 
+Failure FailCreateFile(std::size_t n)
+{
+    return FailNth<CreateFileHook>("CreateFileW", n, INVALID_HANDLE_VALUE, LastError(ERROR_ACCESS_DENIED));
+}
+
 Failure FailAttributes(std::size_t n)
 {
     return FailNth<GetAttributesHook>("GetFileAttributesW", n, INVALID_FILE_ATTRIBUTES, LastError(ERROR_ACCESS_DENIED));
@@ -373,9 +379,16 @@ std::vector<FailureCase> FailureCases()
          [] { return FailNth<ReadFileHook>("ReadFile", 2, FALSE, LastError(ERROR_CRC), {kCRuntime}); },
          Text::FailedToReadFile, "old", "missing", true},
         // writing the temporary file
-        {"OpenTemporary", [] { return FailFrom<WsopenHook>("_wsopen_s", 2, EACCES, Errno(EACCES)); },
+        {"OpenTemporary",
+         [] {
+             return FailFrom<CreateFileHook>("CreateFileW", 1, INVALID_HANDLE_VALUE, LastError(ERROR_ACCESS_DENIED));
+         },
          Text::FailedToOpenTemporary, "old", "missing", true},
-        {"OpenTemporaryOnce", [] { return FailOpen(2); }, Text::None, "new", "missing", true},
+        {"OpenTemporaryOnce", [] { return FailCreateFile(1); }, Text::None, "new", "missing", true},
+        {"DescriptorOfTemporary", [] { return FailFrom<DescriptorHook>("_open_osfhandle", 1, -1, Errno(EMFILE)); },
+         Text::FailedToOpenTemporary, "old", "0 bytes", true},
+        {"DescriptorOfTemporaryOnce", [] { return FailNth<DescriptorHook>("_open_osfhandle", 1, -1, Errno(EMFILE)); },
+         Text::None, "new", "missing", true},
         {"OpenTemporaryAsStream",
          [] { return FailFrom<FdopenHook>("_fdopen", 2, nullptr, Errno(EMFILE), {kCppRuntime}); },
          Text::FailedToOpenTemporary, "old", "0 bytes", true},
@@ -393,17 +406,15 @@ std::vector<FailureCase> FailureCases()
          Text::CannotCreateDirectory, "old", "new", false},
         {"RecordOfTemporary", [] { return FailNth<StatHook>("_wstat64", 2, -1, Errno(ENOENT)); },
          Text::CannotStatTemporary, "old", "new", false},
-        {"OpenToIdentify",
-         [] { return FailNth<CreateFileHook>("CreateFileW", 1, INVALID_HANDLE_VALUE, LastError(ERROR_ACCESS_DENIED)); },
-         Text::None, "new", "missing", true},
+        {"OpenToIdentify", [] { return FailCreateFile(2); }, Text::None, "new", "missing", true},
         {"IdentityOfFile",
          [] {
              return Both(FailNth<FileTimeHook>("GetFileTime", 1, FALSE, LastError(ERROR_ACCESS_DENIED)),
                          FailNth<IdentifyHook>("GetFileInformationByHandle", 2, FALSE, LastError(ERROR_ACCESS_DENIED)));
          },
          Text::None, "new", "missing", true},
-        {"OpenTemporaryForCopy", [] { return FailOpen(3); }, Text::CannotReadTemporary, "old", "new", false},
-        {"OpenFileForCopy", [] { return FailOpen(4); }, Text::CannotOpenFile, "old", "new", false},
+        {"OpenTemporaryForCopy", [] { return FailOpen(2); }, Text::CannotReadTemporary, "old", "new", false},
+        {"OpenFileForCopy", [] { return FailOpen(3); }, Text::CannotOpenFile, "old", "new", false},
         {"CopyReadsNothing", [] { return FailNth<ReadHook>("_read", 1, -1, Errno(EIO)); }, Text::FailedToWriteFile,
          "0 bytes", "new", false},
         {"CopyReadsOneBlock", [] { return FailNth<ReadHook>("_read", 2, -1, Errno(EIO)); }, Text::FailedToWriteFile,
@@ -423,11 +434,7 @@ std::vector<FailureCase> FailureCases()
              return Both(ShowLinks(), FailNth<GetSizeHook>("GetFileSizeEx", 1, FALSE, LastError(ERROR_ACCESS_DENIED)));
          },
          Text::FailedToWriteFile, "new", "new", false},
-        {"OpenForSizeBehindALinkAfterCopy",
-         [] {
-             return Both(ShowLinks(), FailNth<CreateFileHook>("CreateFileW", 2, INVALID_HANDLE_VALUE,
-                                                              LastError(ERROR_ACCESS_DENIED)));
-         },
+        {"OpenForSizeBehindALinkAfterCopy", [] { return Both(ShowLinks(), FailCreateFile(3)); },
          Text::FailedToWriteFile, "new", "new", false},
         // tidying up
         {"TypeOfTemporaryAtTheEnd", [] { return FailAttributes(3); }, Text::None, "new", "new", true},
@@ -532,6 +539,14 @@ std::vector<std::string> CallsOf(const Scene& scene)
             note("open", path);
             return hook.CallOriginal(file, path, flags, share, mode);
         });
+    const auto creation =
+        ChangeNth<CreateFileHook>("CreateFileW", 0,
+                                  [note](auto& hook, bool, LPCWSTR path, DWORD access, DWORD share, void* security,
+                                         DWORD how, DWORD flags, HANDLE model) {
+                                      if (how == CREATE_NEW)
+                                          note("create", path);
+                                      return hook.CallOriginal(path, access, share, security, how, flags, model);
+                                  });
     const auto attributes =
         ChangeNth<SetAttributesHook>("SetFileAttributesW", 0, [note](auto& hook, bool, LPCWSTR path, DWORD value) {
             note((value & FILE_ATTRIBUTE_READONLY) != 0 ? "protect" : "unprotect", path);
@@ -545,19 +560,38 @@ TEST_P(RewriteProtocol, MakesItsCallsInTheirOrder)
 {
     const Scene scene(GetParam());
     ASSERT_TRUE(KelInsIO::SetReadOnly(scene.File(), true));
-    const std::vector<std::string> expected = {"open file", "open temporary",   "unprotect file", "open temporary",
+    const std::vector<std::string> expected = {"open file", "create temporary", "unprotect file", "open temporary",
                                                "open file", "delete temporary", "protect file"};
     EXPECT_EQ(CallsOf(scene), expected);
 }
 
-TEST_P(RewriteProtocol, OverwritesALeftoverThatCannotBeRemoved)
+/// It may be a link, to a file or to nothing.
+TEST_P(RewriteProtocol, LeavesALeftoverThatCannotBeRemovedAsItIs)
 {
     const Scene scene(GetParam());
-    MakeFile(scene.Temporary(), std::string(1'000'000, 'x'));
+    MakeFile(scene.Temporary(), "precious");
     Failure hook = FailNth<DeleteFileHook>("DeleteFileW", 1, FALSE, LastError(ERROR_ACCESS_DENIED));
+    EXPECT_EQ(scene.Rewrite(), scene.Framed("Failed to open " + scene.Temporary()));
+    hook.reset();
+    EXPECT_EQ(scene.StateOf(scene.File()), "old");
+    EXPECT_EQ(FileContentIfAny(scene.Temporary()), "precious");
+}
+
+/// The system would otherwise create what a link names that leads to nothing.
+TEST_P(RewriteProtocol, CreatesTheTemporaryFileAsNewWithoutFollowingALink)
+{
+    const Scene scene(GetParam());
+    std::vector<DWORD> flags;
+    const auto creation =
+        ChangeNth<CreateFileHook>("CreateFileW", 0,
+                                  [&flags](auto& hook, bool, LPCWSTR path, DWORD access, DWORD share, void* security,
+                                           DWORD how, DWORD attributes, HANDLE model) {
+                                      if (how == CREATE_NEW)
+                                          flags.push_back(attributes);
+                                      return hook.CallOriginal(path, access, share, security, how, attributes, model);
+                                  });
     EXPECT_EQ(scene.Rewrite(), "");
-    EXPECT_EQ(scene.StateOf(scene.File()), "new");
-    EXPECT_EQ(scene.StateOf(scene.Temporary()), "missing");
+    EXPECT_EQ(flags, std::vector<DWORD>{FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT});
 }
 
 /// One that cannot be asked about is not taken for a missing one, and overwritten.

@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <limits>
 #include <locale>
 #include <string>
 #include <vector>
@@ -154,6 +155,14 @@ TEST(ToFixedPrecision, DigitsAfterThePoint)
     EXPECT_EQ(KelInsString::ToFixedPrecision(2.0, 0), "2");
     EXPECT_EQ(KelInsString::ToFixedPrecision(-0.5, 3), "-0.500");
     EXPECT_EQ(KelInsString::ToFixedPrecision(1e15, 1), "1000000000000000.0");
+}
+
+/// The stream alone would need a stack of several times as much.
+TEST(ToFixedPrecision, AMillionDigits)
+{
+    EXPECT_EQ(KelInsString::ToFixedPrecision(-0.5, 10'000'000), "-0.5" + std::string(9'999'999, '0'));
+    EXPECT_EQ(KelInsString::ToFixedPrecision(0.5, 1075), "0.5" + std::string(1074, '0'));
+    EXPECT_EQ(KelInsString::ToFixedPrecision(std::numeric_limits<double>::infinity(), 10'000'000), "inf");
 }
 
 /// A host's own number format.

@@ -5,9 +5,11 @@
 #include <KelInsInfra/foundation/KelInsEnv.h>
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <KelInsInfra/foundation/KelInsSys.h>
+#include <cerrno>
 #include <cstring>
 #include <cwchar>
 #include <gtest/gtest.h>
+#include <new>
 
 namespace {
 
@@ -30,6 +32,14 @@ TEST(WidenFailure, GivesEmptyText)
     EXPECT_EQ(KelInsString::Widen(kLong), L"");
     EXPECT_EQ(hook.Calls().size(), 4U);
     EXPECT_EQ(KelInsString::Widen(kShort), L"\u00E9");
+}
+
+TEST(GetErrnoMessage, WithoutMemoryForTheText)
+{
+    ImportHook<char*(int)> hook("strerror");
+    hook.FailCall(1, nullptr, NoCode());
+    EXPECT_THROW(KelInsSys::GetErrnoMessage(EACCES), std::bad_alloc);
+    EXPECT_NE(KelInsSys::GetErrnoMessage(EACCES), "");
 }
 
 TEST(NarrowFailure, GivesEmptyText)

@@ -309,6 +309,15 @@ TEST(RemoveEmptyDirectories, NormalizesThePath)
     EXPECT_EQ(TreeNames(directory.Path()), Names());
 }
 
+/// The search takes the quotes away, but the deletion of the directory itself gets the path as it was given.
+TEST(RemoveEmptyDirectories, InQuotesOnlyWhatIsBelowIsRemoved)
+{
+    const TempDirectory directory;
+    MakeDirectories(directory / "tree\\a\\b");
+    EXPECT_FALSE(KelInsIO::RemoveEmptyDirectories('"' + (directory / "tree") + '"'));
+    EXPECT_EQ(TreeNames(directory.Path()), Names({"tree/"}));
+}
+
 TEST(RemoveEmptyDirectories, WhatIsNoDirectoryIsLeftAlone)
 {
     const TempDirectory directory;

@@ -222,6 +222,17 @@ TEST_F(RegistryKeys, TreeIsDeletedDeepestFirstByPathsFromTheParent)
     EXPECT_TRUE(Exists(root_.Handle(), "kept"));
 }
 
+/// As in a text made from a buffer whose length counts the terminator.
+TEST_F(RegistryKeys, TreeUnderAPathWithANulIsTheOneThatTheSystemSees)
+{
+    for (const wchar_t* path : {L"a\\b\\c", L"a\\d", L"kept"})
+        MakeKey(root_.Handle(), path);
+    DeletionOrder order;
+    DeleteKeyTree(parent_, std::string("a\0x", 3), kNoView);
+    EXPECT_EQ(order.Paths(), (Names{R"(a\b\c)", R"(a\b)", R"(a\d)", "a"}));
+    EXPECT_TRUE(Exists(root_.Handle(), "kept"));
+}
+
 TEST_F(RegistryKeys, TreeDeletionStopsAtTheFirstFailure)
 {
     for (const wchar_t* path : {L"a\\b\\c", L"a\\b\\d", L"a\\e"})

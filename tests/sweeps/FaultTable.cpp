@@ -118,6 +118,7 @@ const std::map<std::string_view, Faults>& FailingFunctions()
         {"_close", {{Kind::DoAndReport, kMinusOne, Errno(EIO)}}},
         {"_fdopen", {{Kind::Refuse, 0, Errno(EMFILE)}}},
         {"_lseeki64", {MinusOne(EIO)}},
+        {"_open_osfhandle", {MinusOne(EMFILE)}},
         {"_read", {MinusOne(EIO), Half()}},
         {"_waccess", {MinusOne(EACCES)}},
         {"_waccess_s", {ReturnsErrno(EACCES), ReturnsErrno(ENOENT)}},

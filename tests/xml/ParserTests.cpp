@@ -328,6 +328,7 @@ const ErrorCase kReferenceErrors[] = {
     {"Unknown", "<a>&nbsp;</a>", "Unknown reference starting with n"},
     {"UnknownInAValue", "<a b='\n\n&nbsp;'/>", "Unknown reference starting with n", 3},
     {"UnknownOutsideOfTheRoot", "<a/>&nbsp;", "Unknown reference starting with n"},
+    {"AmpAsTheLastBytes", "<a/>&amp;", "Unknown reference starting with a"},
     {"ReferencesAreReadBeforeTextOutsideIsTold", "<a/>x&nbsp;", "Unknown reference starting with n"},
     {"WithoutSemicolon", "<a>&amp </a>", "Unknown reference starting with a"},
     {"UpperCase", "<a>&AMP;</a>", "Unknown reference starting with A"},
