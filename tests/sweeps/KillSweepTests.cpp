@@ -5,6 +5,7 @@
 #include "KillSweep.h"
 #include "Scene.h"
 #include "Session.h"
+#include "Watchdog.h"
 
 #include <KelInsInfra/foundation/KelInsString.h>
 #include <array>
@@ -39,6 +40,7 @@ void SetVariable(const std::string& name, const std::string& value)
 /// @return the exit code.
 DWORD RunChild(const std::string& operation, const Scene& scene, std::size_t call, bool half)
 {
+    NowDoing(operation + ": child that is killed at call " + std::to_string(call) + (half ? ", after half of it" : ""));
     SetVariable(kOperation, operation);
     SetVariable(kDirectory, scene.Get().directory);
     SetVariable(kCall, std::to_string(call));
