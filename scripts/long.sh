@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# The long runs, for every night: fault sweep, whole kill sweep, other versions of Windows, coverage, large sizes, ten minutes of fuzzing.
+# The long runs, for every night: defects that the sweeps must find, other versions of Windows, coverage, large sizes, ten minutes of
+# fuzzing.
 # Installs and builds what they need. Exits 0 only when all passed; logs are in build/logs/long.
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -30,15 +31,10 @@ in_wine() { # PROGRAM ARGUMENT...
     mkdir -p build/mingw/results && cd build/mingw/results && "$root/scripts/wine.sh" "../bin/$1.exe" "${@:2}"
 }
 
-kill_sweep() {
-    KELINS_SWEEP_WHOLE=1 in_wine fault_sweep --gtest_filter='*KillSweep*'
-}
-
 step install scripts/install.sh
 step build-windows build mingw all
 step wine scripts/wine-prefix.sh
-step fault-sweep in_wine fault_sweep --gtest_filter='-*KillSweep*'
-step kill-sweep kill_sweep
+step sweep-breaks scripts/sweep_breaks.sh
 step scale in_wine scale_tests
 step versions scripts/test-on-versions.sh
 step coverage scripts/coverage.sh

@@ -23,7 +23,8 @@ mkdir -p "$(dirname "$WINEPREFIX")"
 if [ ! -f "$WINEPREFIX/.kelins-ready" ]; then
     rm -rf "$WINEPREFIX"
     wine wineboot --init </dev/null >/dev/null 2>&1
-    server -w
+    wine rundll32 user32.dll,GetDesktopWindow </dev/null >/dev/null 2>&1 # the first desktop takes longest to come up
+    server -w                                                             # until it has closed again
     touch "$WINEPREFIX/.kelins-ready"
 fi
 server -p >/dev/null 2>&1 || true # already there: fine

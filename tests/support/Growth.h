@@ -1,33 +1,40 @@
 #pragma once
 
+#include "ThreadTime.h"
+
 #include <algorithm>
-#include <chrono>
 #include <functional>
 #include <limits>
 
-/// What GrowthFactor must stay below. Not much over 4: a heap that gives large blocks back to the system takes about
-/// twice the time for each byte of them, and so does memory beyond the processor's cache. The square gives 16.
-constexpr double kGrowthLimit = 12;
+/// What GrowthFactor must stay below: 4 when the time grows with the size, 16 when it grows with the square.
+constexpr double kGrowthLimit = 6;
 
-/// How many times as long four times the work takes: about 4 when the time grows with the size, 16 when it grows with
-/// the square. The small work is run four times for each run of the large one, so that both take about as long and
-/// neither vanishes in the clock's grain. The least times of up to twelve rounds are compared, because a machine that
-/// is busy with something else disturbs some of them; the first factor under the limit is the answer.
-inline double GrowthFactor(const std::function<void()>& small, const std::function<void()>& fourTimes)
+/// How many times as long four times the work takes, in this thread's own time in user mode. What other programs do
+/// meanwhile does not count, nor what the system takes to hand out memory, which is more for large blocks. The small
+/// work runs four times as often, and both are repeated until each took several ticks of the clock, which are 1/100 s
+/// on Windows. What remains is noise of caches and of sampling: the least factor of some attempts counts, and the first
+/// under the limit ends them.
+inline double GrowthFactor(const std::function<void()>& small, const std::function<void()>& fourTimes,
+                           int attempts = 12)
 {
+    constexpr double kTick = 0.01;
+    constexpr double kEnough = 15 * kTick;
+    constexpr int kMostTimes = 1 << 20; // for work that takes no time at all
     const auto seconds = [](const std::function<void()>& work, int times) {
-        const auto begin = std::chrono::steady_clock::now();
+        const double begin = ThreadSecondsInUserMode();
         for (int i = 0; i < times; ++i)
             work();
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+        return ThreadSecondsInUserMode() - begin;
     };
-    double least = std::numeric_limits<double>::max();
-    double leastOfLarge = least;
-    double factor = least;
-    for (int round = 0; round < 12 && !(factor < kGrowthLimit); ++round) {
-        least = std::min(least, seconds(small, 4) / 4);
-        leastOfLarge = std::min(leastOfLarge, seconds(fourTimes, 1));
-        factor = leastOfLarge / least;
+    double factor = std::numeric_limits<double>::max();
+    for (int attempt = 0; attempt < attempts && !(factor < kGrowthLimit); ++attempt) {
+        double ofSmall = 0;
+        double ofLarge = 0;
+        for (int times = 1; times < kMostTimes && std::min(ofSmall, ofLarge) < kEnough; times *= 2) {
+            ofSmall += seconds(small, 4 * times);
+            ofLarge += seconds(fourTimes, times);
+        }
+        factor = std::min(factor, 4 * ofLarge / std::max(ofSmall, kTick));
     }
     return factor;
 }

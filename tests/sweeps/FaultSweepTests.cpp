@@ -6,6 +6,7 @@
 #include "KillSweep.h"
 #include "Scene.h"
 #include "Session.h"
+#include "Watchdog.h"
 
 #include "tests/support/HandleCount.h"
 #include <KelInsInfra/foundation/KelInsString.h>
@@ -305,6 +306,16 @@ Judgement Judge(const Operation& operation, const Place& place, const Reference&
 
 // --- the sweep
 
+std::string InWords(const std::string& operation, const std::string& function, std::size_t n, const Fault& fault,
+                    bool lasts)
+{
+    return operation + ": " + function + ", call " + std::to_string(n) + (lasts ? " and all later ones" : "") +
+           ", code " + std::to_string(fault.code.lastError.value_or(0)) + ", errno " +
+           std::to_string(fault.code.errnoValue.value_or(0)) + ", result " +
+           std::to_string(static_cast<std::int64_t>(fault.result)) + ", kind " +
+           std::to_string(static_cast<int>(fault.kind));
+}
+
 class FaultSweep : public testing::TestWithParam<std::string>
 {
 protected:
@@ -323,6 +334,8 @@ protected:
 private:
     void SweepCall(const std::string& function, const Fault& fault, std::size_t n, bool lasts)
     {
+        const std::string where = InWords(GetParam(), function, n, fault, lasts);
+        Sweeps::NowDoing(where);
         const bool again = n == 1 || !lasts;
         const Faulty run = RunWithFault(scene_, GetParam(), again,
                                         [&](Session& session) { session.Injector().Arm(function, n, fault, lasts); });
@@ -336,11 +349,6 @@ private:
         tally_.right += judgement.verdict == Verdict::Right ? 1 : 0;
         tally_.exceptions += judgement.verdict == Verdict::Exception ? 1 : 0;
         tally_.documented += judgement.verdict == Verdict::Documented ? 1 : 0;
-        const std::string where = function + ", call " + std::to_string(n) + (lasts ? " and all later ones" : "") +
-                                  ", code " + std::to_string(fault.code.lastError.value_or(0)) + ", errno " +
-                                  std::to_string(fault.code.errnoValue.value_or(0)) + ", result " +
-                                  std::to_string(static_cast<std::int64_t>(fault.result)) + ", kind " +
-                                  std::to_string(static_cast<int>(fault.kind));
         EXPECT_NE(judgement.verdict, Verdict::Wrong)
             << where << ": " << judgement.reason << "\nresult or text: [" << run.outcome.Text() << "]";
         EXPECT_EQ(run.handles, 0) << where << ": handles";
@@ -356,6 +364,7 @@ private:
 
 TEST_P(FaultSweep, EveryCall)
 {
+    Sweeps::NowDoing(GetParam());
     RunUnharmed(scene_, GetParam()); // what the process does once
     reference_ = RunUnharmed(scene_, GetParam());
     const std::vector<HookedFunction> functions = reference_.functions;
@@ -397,9 +406,12 @@ TEST(Exports, AreAllSwept)
     EXPECT_GT(count, 200U);
 }
 
-/// What a process does once: loads what it loads, and throws for the first time.
+/// What a process does once: comes by a desktop, loads what it loads, and throws for the first time. Wine starts a
+/// program for the first user of a desktop and ends it after the last: neither may fall among the faults.
 void WarmUp()
 {
+    Sweeps::NowDoing("warming up");
+    ::GetDesktopWindow();
     ::LoadLibraryW(L"msi.dll");
     ::LoadLibraryW(L"secur32.dll");
     const Scene scene;
@@ -423,6 +435,7 @@ int main(int argc, char** argv)
         return Sweeps::RunKillSweepChild();
     testing::InitGoogleTest(&argc, argv);
     testing::AddGlobalTestEnvironment(new Table);
+    Sweeps::StartWatchdog();
     WarmUp();
     return RUN_ALL_TESTS();
 }

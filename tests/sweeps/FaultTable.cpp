@@ -117,6 +117,7 @@ const std::map<std::string_view, Faults>& FailingFunctions()
         // C runtime
         {"_close", {{Kind::DoAndReport, kMinusOne, Errno(EIO)}}},
         {"_fdopen", {{Kind::Refuse, 0, Errno(EMFILE)}}},
+        {"_get_osfhandle", {MinusOne(EBADF)}},
         {"_lseeki64", {MinusOne(EIO)}},
         {"_open_osfhandle", {MinusOne(EMFILE)}},
         {"_read", {MinusOne(EIO), Half()}},

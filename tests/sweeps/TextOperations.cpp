@@ -7,7 +7,10 @@
 #include <KelInsInfra/io/KelInsIO.h>
 #include <KelInsInfra/registry/KelInsMSI.h>
 #include <KelInsInfra/system/ProcessBuilder.h>
+#include <memory>
 #include <sstream>
+#include <stdexcept>
+#include <streambuf>
 
 namespace Sweeps {
 namespace {
@@ -128,6 +131,67 @@ void AddStreamReading(std::vector<Operation>& operations)
          }});
 }
 
+/// A source of text that takes a block of the heap for each piece, as a file's buffer may.
+class PiecewiseBuffer : public std::streambuf
+{
+protected:
+    int_type underflow() override
+    {
+        if (pieces_ == 3)
+            return traits_type::eof();
+        ++pieces_;
+        piece_ = std::make_unique<std::string>(100, static_cast<char>('a' + pieces_));
+        setg(piece_->data(), piece_->data(), piece_->data() + piece_->size());
+        return traits_type::to_int_type(*gptr());
+    }
+
+private:
+    int pieces_ = 0;
+    std::unique_ptr<std::string> piece_;
+};
+
+/// Without memory nothing may have been read, nor any of it have been appended.
+void AddWholly(KelInsHash::SHA256& hash, std::istream& stream, const std::string& digestBefore)
+{
+    try {
+        hash.Add(stream);
+    } catch (const std::bad_alloc&) {
+        if (!stream.good() || stream.tellg() != std::istream::pos_type(0) || hash.GetHash() != digestBefore)
+            throw std::logic_error("part of the stream was taken");
+        throw;
+    }
+}
+
+void AddStreamHashes(std::vector<Operation>& operations)
+{
+    const std::vector<std::string> exports = {"KelInsHash::SHA256::Add", "KelInsHash::SHA256::GetHash"};
+    operations.push_back({.name = "Sha256OfStream", .exports = exports, .run = [](const Place&) {
+                              KelInsHash::SHA256 hash;
+                              hash.Add(kLong);
+                              const std::string before = hash.GetHash();
+                              std::istringstream stream(std::string(150'000, 's')); // two pieces and a part
+                              AddWholly(hash, stream, before);
+                              return hash.GetHash();
+                          }});
+    operations.push_back({.name = "Sha256OfStreamThatFails", .exports = exports, .run = [](const Place&) {
+                              PiecewiseBuffer buffer;
+                              std::istream stream(&buffer);
+                              KelInsHash::SHA256 hash;
+                              hash.Add(stream);
+                              if (stream.bad()) // what the buffer throws stays in the stream
+                                  throw std::bad_alloc();
+                              return hash.GetHash();
+                          }});
+    operations.push_back({.name = "Sha256OfStreamThatThrows", .exports = exports, .run = [](const Place&) {
+                              PiecewiseBuffer buffer;
+                              std::istream stream(&buffer);
+                              stream.exceptions(std::ios_base::badbit);
+                              KelInsHash::SHA256 hash;
+                              hash.Add(stream);
+                              return hash.GetHash();
+                          }});
+}
+
 void AddHashes(std::vector<Operation>& operations)
 {
     operations.push_back({.name = "Sha256",
@@ -138,12 +202,15 @@ void AddHashes(std::vector<Operation>& operations)
                               hash.Add("x", 1);
                               hash.Reset();
                               hash.Add(kLong);
-                              std::istringstream stream(kLong);
-                              hash.Add(stream);
-                              return hash.GetHash() + KelInsHash::SHA256::GetHash(kLong);
+                              const KelInsHash::SHA256 copy = hash;
+                              return hash.GetHash() + copy.GetHash() + hash.GetHash();
+                          }});
+    operations.push_back({.name = "Sha256OfText", .exports = {"KelInsHash::SHA256::GetHash"}, .run = [](const Place&) {
+                              return KelInsHash::SHA256::GetHash(kLong);
                           }});
     operations.push_back({.name = "Uuid", .exports = {"KelInsUUID::GetUUID"}, .run = [](const Place&) {
-                              return std::to_string(KelInsUUID::GetUUID(true).size());
+                              return std::to_string(KelInsUUID::GetUUID(true).size() +
+                                                    KelInsUUID::GetUUID(false).size());
                           }});
 }
 
@@ -155,6 +222,7 @@ void AddTextOperations(std::vector<Operation>& operations)
     AddPathText(operations);
     AddStreamReading(operations);
     AddHashes(operations);
+    AddStreamHashes(operations);
 }
 
 } // namespace Sweeps
