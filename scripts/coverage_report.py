@@ -187,9 +187,10 @@ def main(document, least_lines, least_branches, *tools_and_folders):
         missing = 0
         for number, (runs, ways) in sorted(sources[source].items()):
             row = rows[number - 1].strip()
-            if row in ("}", "};"):
-                continue
             taken = [way for way in ways if way is not None]
+            if row in ("}", "};"):
+                added += len(taken)
+                continue
             line_count += 1
             lines_run += runs
             if not runs:

@@ -33,8 +33,6 @@ public:
 
     [[nodiscard]] Handle Get() const { return handle_; }
 
-    [[nodiscard]] Handle Release() { return std::exchange(handle_, InvalidValue()); }
-
     void Reset()
     {
         if (handle_ == InvalidValue())
