@@ -15,7 +15,6 @@ packages=(
     googletest                                   # sources, built with each compiler
     clang-format clang-tidy python3 git          # checks
     valgrind                                     # counts instructions
-    gcovr                                        # coverage
     libssl-dev uuid-dev                          # independent answers, and peers to be measured against
     python3-cryptography-vectors                 # NIST's vectors for SHA-256
     nlohmann-json3-dev rapidjson-dev libpugixml-dev libtinyxml2-dev

@@ -11,6 +11,11 @@ namespace {
 constexpr std::uint64_t kBlockSize = SHA256::_cChunkSize;
 constexpr std::streamsize kPieceSize = 65536;
 
+Sha256Engines::Engine BestEngine()
+{
+    return Sha256Engines::HaveShaExtensions() ? &Sha256Engines::ShaExtensions : &Sha256Engines::Portable;
+}
+
 } // namespace
 
 SHA256::SHA256()
@@ -109,8 +114,7 @@ std::string SHA256::GetHash(const std::string& data)
 
 void SHA256::Update(const unsigned char* blocks, std::uint64_t count)
 {
-    static const Sha256Engines::Engine engine =
-        Sha256Engines::HaveShaExtensions() ? &Sha256Engines::ShaExtensions : &Sha256Engines::Portable;
+    static const Sha256Engines::Engine engine = BestEngine();
     engine(chaining_, blocks, count);
 }
 

@@ -85,9 +85,8 @@ bool Sha256Engines::HaveShaExtensions()
     unsigned ecx = 0;
     unsigned edx = 0;
     constexpr unsigned kNeeded = bit_SSSE3 | bit_SSE4_1; // byte shuffles and blends
-    if (__get_cpuid(1, &eax, &ebx, &ecx, &edx) == 0 || (ecx & kNeeded) != kNeeded)
-        return false;
-    return __get_cpuid_count(7, 0, &eax, &ebx, &ecx, &edx) != 0 && (ebx & bit_SHA) != 0;
+    return __get_cpuid(1, &eax, &ebx, &ecx, &edx) != 0 && (ecx & kNeeded) == kNeeded &&
+           __get_cpuid_count(7, 0, &eax, &ebx, &ecx, &edx) != 0 && (ebx & bit_SHA) != 0;
 }
 
 } // namespace KelInsHash

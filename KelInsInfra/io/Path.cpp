@@ -15,9 +15,10 @@ bool IsAsciiLetter(char c)
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
+/// In a text of at least two characters.
 bool BeginsAsUnc(const std::string& text)
 {
-    return text.size() >= 2 && text[0] == kSeparator && text[1] == kSeparator;
+    return text[0] == kSeparator && text[1] == kSeparator;
 }
 
 bool IsEnclosedBy(const std::string& text, char c)
@@ -59,10 +60,11 @@ void Clean(std::string& text)
 }
 
 /// Index of the last character of a UNC root, or kNotFound where server or share are missing.
+/// In a cleaned text, which does not end in a separator.
 std::size_t FindUncRootEnd(const std::string& text)
 {
     const std::size_t afterServer = text.find(kSeparator, 2);
-    if (afterServer == kNotFound || afterServer + 1 >= text.size())
+    if (afterServer == kNotFound)
         return kNotFound;
     return std::min(text.find(kSeparator, afterServer + 1), text.size()) - 1;
 }

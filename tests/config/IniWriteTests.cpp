@@ -116,6 +116,16 @@ TEST(Write, WhatIsWrittenIsRead)
         EXPECT_EQ(KelInsIniFile::ReadValueOfKey(file, Numbered('S', i % 3), Numbered('K', i % 7)), Numbered('v', i));
 }
 
+/// Doubled separators mean the same file to the system, but are not what a path makes of them.
+TEST(Write, EditsTheFileOfANameThatIsNotClean)
+{
+    const TempDirectory directory;
+    const std::string file = directory / R"(\a.ini)";
+    WriteKey(file, "", "K", "1");
+    WriteKey(file, "", "L", "2");
+    EXPECT_EQ(FileContentIfAny(directory / "a.ini"), "K=1\r\nL=2\r\n");
+}
+
 TEST(Write, KeepsAReadOnlyFileReadOnly)
 {
     const TempDirectory directory;

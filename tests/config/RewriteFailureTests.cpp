@@ -356,6 +356,17 @@ Failure ShowLinks()
         });
 }
 
+/// The file grows after its size was asked for.
+Failure TellSmallerSize()
+{
+    return ChangeNth<SeekHook>("_lseeki64", 1,
+                               [](const SeekHook& hook, bool now, int file, std::int64_t offset, int origin) {
+                                   const std::int64_t place = hook.CallOriginal(file, offset, origin);
+                                   return now ? place / 2 : place;
+                               },
+                               {kCppRuntime});
+}
+
 Failure Both(Failure first, Failure second)
 {
     return std::make_shared<std::pair<Failure, Failure>>(std::move(first), std::move(second));
@@ -378,6 +389,7 @@ std::vector<FailureCase> FailureCases()
         {"ReadFileInTheSystem",
          [] { return FailNth<ReadFileHook>("ReadFile", 2, FALSE, LastError(ERROR_CRC), {kCRuntime}); },
          Text::FailedToReadFile, "old", "missing", true},
+        {"SizeToldTooSmall", [] { return TellSmallerSize(); }, Text::None, "new", "missing", true},
         // writing the temporary file
         {"OpenTemporary",
          [] {
@@ -432,6 +444,15 @@ std::vector<FailureCase> FailureCases()
         {"SizeBehindALinkAfterCopy",
          [] {
              return Both(ShowLinks(), FailNth<GetSizeHook>("GetFileSizeEx", 1, FALSE, LastError(ERROR_ACCESS_DENIED)));
+         },
+         Text::FailedToWriteFile, "new", "new", false},
+        {"OtherSizeBehindALinkAfterCopy",
+         [] {
+             return Both(ShowLinks(), ChangeNth<GetSizeHook>("GetFileSizeEx", 1,
+                                                             [](const GetSizeHook&, bool, HANDLE, PLARGE_INTEGER size) {
+                                                                 size->QuadPart = 1;
+                                                                 return TRUE;
+                                                             }));
          },
          Text::FailedToWriteFile, "new", "new", false},
         {"OpenForSizeBehindALinkAfterCopy", [] { return Both(ShowLinks(), FailCreateFile(3)); },

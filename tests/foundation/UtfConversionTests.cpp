@@ -1,7 +1,11 @@
 #include <KelInsInfra/foundation/KelInsString.h>
+#include <KelInsInfra/foundation/internal/UniqueHandle.h>
 #include <climits>
+#include <cstring>
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -104,6 +108,53 @@ TEST(Utf, UnpairedSurrogatesAndInvalidBytesAreTheSystems)
     EXPECT_EQ(Narrow(L"\xDC00"), "\xEF\xBF\xBD");
     EXPECT_EQ(Widen("a\xFFz"), L"a\xFFFDz");
     EXPECT_EQ(Widen("a\x80z"), L"a\xFFFDz");
+}
+
+/// A text of 'x', or of units of two of them, and a zero at its end. It takes the memory of one piece, which stands
+/// there again and again.
+class RepeatedText
+{
+public:
+    explicit RepeatedText(std::size_t bytes)
+        : piece_(::CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, kPieceSize, nullptr))
+    {
+        auto* const begin = static_cast<char*>(::VirtualAlloc(nullptr, bytes + kPieceSize, MEM_RESERVE, PAGE_NOACCESS));
+        ::VirtualFree(begin, 0, MEM_RELEASE);
+        for (std::size_t i = 0; i < bytes / kPieceSize; ++i)
+            views_.push_back(::MapViewOfFileEx(piece_.Get(), FILE_MAP_WRITE, 0, 0, 0, begin + i * kPieceSize));
+        end_ = ::VirtualAlloc(begin + bytes, kPieceSize, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+        if (views_.front() != begin || views_.back() == nullptr || end_ == nullptr)
+            throw std::runtime_error("no room for the text");
+        std::memset(begin, 'x', kPieceSize);
+    }
+
+    ~RepeatedText()
+    {
+        for (void* view : views_)
+            ::UnmapViewOfFile(view);
+        ::VirtualFree(end_, 0, MEM_RELEASE);
+    }
+
+    RepeatedText(const RepeatedText&) = delete;
+    RepeatedText& operator=(const RepeatedText&) = delete;
+
+    [[nodiscard]] const void* Get() const { return views_.front(); }
+
+private:
+    static constexpr DWORD kPieceSize = 1U << 26;
+
+    UniqueHandle<HANDLE, ::CloseHandle> piece_;
+    std::vector<void*> views_;
+    void* end_ = nullptr;
+};
+
+/// More than the system's functions can be told.
+TEST(Utf, TextOfTwoGiBIsNotConverted)
+{
+    const std::size_t units = std::size_t{1} << 31;
+    const RepeatedText text(units * sizeof(wchar_t));
+    EXPECT_EQ(Narrow(static_cast<const wchar_t*>(text.Get())), "");
+    EXPECT_EQ(Widen(static_cast<const char*>(text.Get()) + units), L"");
 }
 
 TEST(Utf, LargeTextRoundTrips)

@@ -217,6 +217,17 @@ TEST_P(CopyIdentity, IsVolumeAndBothHalvesOfTheIndex)
 INSTANTIATE_TEST_SUITE_P(Table, CopyIdentity, testing::ValuesIn(kIdentities),
                          [](const auto& test) { return std::string(test.param.label); });
 
+TEST_F(CopyTest, TimesThatAreNotToldLeaveItToTheIdentity)
+{
+    for (const std::size_t untold : {1u, 2u}) {
+        ImportHook<FileTimeFunction> times("GetFileTime");
+        times.FailCall(untold, FALSE, LastError(ERROR_ACCESS_DENIED));
+        EXPECT_THROW(KelInsIO::Copy(source, source), std::runtime_error);
+        EXPECT_EQ(times.Calls().size(), untold);
+    }
+    EXPECT_EQ(FileContent(source), "content");
+}
+
 TEST_F(CopyTest, FilesMadeAtDifferentTimesAreDifferent)
 {
     MakeFile(destination);
@@ -228,6 +239,19 @@ TEST_F(CopyTest, FilesMadeAtDifferentTimesAreDifferent)
     KelInsIO::Copy(source, destination);
     EXPECT_EQ(times.Calls().size(), 2u);
     EXPECT_TRUE(identities.Calls().empty()); // takes the system longer
+}
+
+TEST_F(CopyTest, SourceThatNobodyElseMayOpenThrows)
+{
+    MakeFile(destination, "kept");
+    const UniqueFileHandle user(::CreateFileW(KelInsString::Widen(source).c_str(), GENERIC_READ, 0, nullptr,
+                                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    ASSERT_TRUE(user);
+    ++handles; // ends after the fixture has looked
+    ExpectThrowsText<std::runtime_error>([&] { KelInsIO::Copy(source, destination); },
+                                         "Cannot read " + source + RuntimeText(EACCES));
+    EXPECT_EQ(FileContent(destination), "kept");
+    --handles;
 }
 
 TEST_F(CopyTest, SourceInUseByAWriterThrows)

@@ -207,6 +207,22 @@ TEST(Delete, DirectoryIsPinnedWhileItIsEmptied)
     EXPECT_FALSE(KelInsIO::Exists(tree));
 }
 
+/// Another process holds it open for deletion, say.
+TEST(Delete, DirectoryThatCannotBeHeldIsRemovedOnlyIfEmpty)
+{
+    const TempDirectory directory;
+    MakeDirectories(directory / "empty");
+    MakeDirectories(directory / "full");
+    MakeFile(directory / R"(full\file)");
+    ImportHook<HANDLE(LPCWSTR, DWORD, DWORD, void*, DWORD, DWORD, HANDLE)> opening("CreateFileW");
+    opening.FailFrom(1, INVALID_HANDLE_VALUE, LastError(ERROR_SHARING_VIOLATION));
+    KelInsIO::Delete(directory / "empty");
+    ExpectThrowsText<std::runtime_error>([&] { KelInsIO::Delete(directory / "full"); },
+                                         "RemoveDirectory - " + (directory / "full") + " - " +
+                                             KelInsSys::GetLastErrorMessage(ERROR_DIR_NOT_EMPTY) + "\n");
+    EXPECT_EQ(TreeNames(directory.Path()), (std::vector<std::string>{"full/", "full/file"}));
+}
+
 TEST(Delete, RefusedLinkThrows)
 {
     const TempDirectory directory;

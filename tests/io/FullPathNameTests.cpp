@@ -29,6 +29,8 @@ constexpr NameCase kNames[] = {
     {"TwoBackslashes", R"(\\)", R"(\\)"},
     {"ThreeBackslashes", R"(\\\x)", R"(\\\x)"},
     {"DigitForLetter", R"(1:\x)", R"(1:\x)"},
+    {"UnderscoreForLetter", R"(_:\x)", R"(_:\x)"},
+    {"BraceForLetter", R"({:\x)", R"({:\x)"},
     {"NonAsciiRelative", "\xC3\xA4\xF0\x9F\x8D\x8E", "\xC3\xA4\xF0\x9F\x8D\x8E"},
 
     // already in extended-length form

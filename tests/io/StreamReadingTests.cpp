@@ -1,6 +1,10 @@
 #include <KelInsInfra/io/KelInsIO.h>
+#include <KelInsInfra/io/internal/TextLines.h>
 #include <gtest/gtest.h>
+#include <new>
 #include <sstream>
+#include <stdexcept>
+#include <streambuf>
 #include <string>
 #include <vector>
 
@@ -134,6 +138,52 @@ TEST(InputStreamToString, LeavesWhiteSpaceAndLargeContentAsTheyAre)
         text += static_cast<char>(i * 7);
     std::istringstream stream(text);
     EXPECT_TRUE(KelInsIO::InputStreamToString(stream) == text);
+}
+
+/// Gives a text, and then an exception.
+template <typename Exception>
+class Breaking : public std::streambuf
+{
+public:
+    explicit Breaking(std::string text) : text_(std::move(text)) {}
+
+protected:
+    int_type underflow() override
+    {
+        if (eback() != nullptr)
+            throw Exception();
+        setg(text_.data(), text_.data(), text_.data() + text_.size());
+        return traits_type::to_int_type(*gptr());
+    }
+
+private:
+    std::string text_;
+};
+
+struct ReadError : std::runtime_error
+{
+    ReadError() : std::runtime_error("read error") {}
+};
+
+TEST(InputStreamToString, EndsAtAReadErrorButNotWhereMemoryRunsOut)
+{
+    Breaking<ReadError> broken("abc");
+    std::istream stream(&broken);
+    EXPECT_EQ(KelInsIO::InputStreamToString(stream), "abc");
+
+    Breaking<std::bad_alloc> exhausting("abc");
+    std::istream exhausted(&exhausting);
+    EXPECT_THROW(KelInsIO::InputStreamToString(exhausted), std::bad_alloc);
+}
+
+TEST(LineReader, GivesNoPartOfALineForTheWhole)
+{
+    Breaking<ReadError> broken("one\ntw");
+    std::istream stream(&broken);
+    KelInsIO::LineReader lines(stream);
+    EXPECT_EQ(lines.Next(), "one");
+    EXPECT_EQ(lines.Next(), std::nullopt);
+    EXPECT_TRUE(stream.bad());
 }
 
 } // namespace

@@ -91,6 +91,8 @@ TEST_F(RegistryValues, EmptyNameIsTheDefaultValue)
     SetValue(key_, "", "pear");
     EXPECT_EQ(Stored(L""), (RawValue{REG_SZ, BytesOf(L"pear\0"s)}));
     EXPECT_EQ(Text(""), "pear");
+    SetValue(key_, "\0ends before its first letter"s, "plum");
+    EXPECT_EQ(Text(""), "plum");
     SetValue(key_, "", 7);
     EXPECT_EQ(Integer(""), 7);
     DeleteValue(key_, "");

@@ -144,6 +144,9 @@ const AttributeCase kAttributeCases[] = {
     {"EqualsInANameIsComparedWithTheValue",
      {{"a", "m"}, {"a=\"n", "1"}, {"a=\"l", "2"}},
      R"(<e a="l="2" a="m" a="n="1"/>)"},
+    {"EqualsInANameIsComparedWithTheWrittenValue", {{"a=", "<"}, {"a", "<b"}}, R"(<e a="&lt;b" a=="&lt;"/>)"},
+    {"NoName", {{"a", "1"}, {"", "2"}, {"0", "3"}}, R"(<e 0="3" ="2" a="1"/>)"},
+    {"NoNameFirst", {{"", "2"}, {"a", "1"}}, R"(<e ="2" a="1"/>)"},
     {"BlanksInValuesAreCopied", {{"a", " \t\r\n "}}, "<e a=\" \t\r\n \"/>"},
 };
 
@@ -289,6 +292,20 @@ TEST(XmlOutputter, StreamIsNotFlushed)
     Outputter().ToFile(*E("a"), file);
     EXPECT_EQ(buffer.count, 0);
     EXPECT_EQ(buffer.str(), kDeclaration + "\n<a/>");
+}
+
+/// A node of a user's own class, of none of the three kinds.
+class Foreign : public XML::Content
+{
+public:
+    std::shared_ptr<XML::Content> Clone() const override { return std::make_shared<Foreign>(); }
+
+    XML::ContentType GetType() const override { return static_cast<XML::ContentType>(3); }
+};
+
+TEST(XmlOutputter, NodeOfAnotherKindIsNotWritten)
+{
+    EXPECT_EQ(Outputter().ToString(*E("a", {std::make_shared<Foreign>(), E("b")}), false), "<a>\n  <b/>\n</a>");
 }
 
 TEST(XmlOutputter, NodeThatStandsTwiceIsWrittenTwice)

@@ -35,9 +35,7 @@ private:
 
 inline char* Chunk::Take(std::size_t bytes)
 {
-    if (Room() < bytes)
-        throw std::bad_alloc();
-    char* const taken = next_;
+    char* const taken = Room() >= bytes ? next_ : throw std::bad_alloc();
     next_ += Rounded(bytes);
     return taken;
 }

@@ -100,9 +100,8 @@ public:
 
     T* allocate(std::size_t count)
     {
-        if (!chunk_->HasRoomFor(count * sizeof(T)))
-            throw std::bad_alloc();
-        return static_cast<T*>(chunk_->Take(count * sizeof(T)));
+        const std::size_t size = count * sizeof(T);
+        return chunk_->HasRoomFor(size) ? static_cast<T*>(chunk_->Take(size)) : throw std::bad_alloc();
     }
 
     void deallocate(T*, std::size_t) { chunk_->GiveBack(); }
