@@ -10,7 +10,7 @@
 namespace JSON {
 namespace {
 
-constexpr std::size_t kSearchedThrough = 8; ///< up to so many members a search beats a hash
+constexpr std::size_t kSearchedThrough = 32; ///< up to so many members a search beats a hash
 
 /// Most keys differ in their size or their last byte.
 bool SameKey(const std::string& a, std::string_view b)
