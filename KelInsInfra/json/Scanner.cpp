@@ -1808,6 +1808,7 @@ static const yy_state_type yy_NUL_trans[45] =
 #define YY_NO_INPUT 1
 #define YY_NO_UNISTD_H 1
 #include <KelInsInfra/json/internal/ByteRuns.h>
+#include <KelInsInfra/json/internal/Escapes.h>
 #include <KelInsInfra/json/internal/Parser.h>
 #include <KelInsInfra/json/internal/Scanner.h>
 #include <algorithm>
@@ -1851,10 +1852,9 @@ bool IsHexDigit(char c)
 /* Number of bytes of the escape that begins with this backslash, 0 if it begins none. Looks at up to 6 bytes. */
 std::size_t EscapeSize(const char* backslash)
 {
-    const char letter = backslash[1];
-    if (letter == 'u')
+    if (backslash[1] == 'u')
         return std::all_of(backslash + 2, backslash + 6, IsHexDigit) ? 6 : 0;
-    return letter != '\0' && std::strchr("\"\\/bfnrt", letter) != nullptr ? 2 : 0;
+    return JSON::EscapedByte(backslash[1]) != '\0' ? 2 : 0;
 }
 
 }

@@ -1,49 +1,57 @@
 #pragma once
 
 #include <cstddef>
-#include <vector>
+#include <memory>
+#include <new>
+#include <utility>
 
 namespace JSON {
 
 /// The parser's stack, in place of the generated one: several steps are taken on it for each token, which are a few
-/// instructions here.
+/// instructions here. Symbols own nothing, so they are not destroyed.
 template <typename Symbol>
 class ParserStack
 {
 public:
-    ParserStack() : symbols_(kFirst), top_(symbols_.data()) {}
-
+    ParserStack() = default;
     ParserStack(const ParserStack&) = delete;
     ParserStack& operator=(const ParserStack&) = delete;
 
     /// The symbol so many places below the top.
-    Symbol& operator[](std::ptrdiff_t depth) { return top_[-depth]; }
+    Symbol& operator[](std::ptrdiff_t depth) { return next_[-1 - depth]; }
 
     void push(Symbol&& symbol)
     {
-        if (top_ == &symbols_.back())
+        if (next_ == end_)
             Grow();
-        (++top_)->move(symbol);
+        new (next_++) Symbol(std::move(symbol));
     }
 
-    void pop(std::ptrdiff_t count = 1) noexcept { top_ -= count; }
+    void pop(std::ptrdiff_t count = 1) noexcept { next_ -= count; }
 
-    void clear() noexcept { top_ = symbols_.data(); }
+    void clear() noexcept { next_ = begin_; }
 
-    std::ptrdiff_t size() const noexcept { return top_ - symbols_.data(); }
+    std::ptrdiff_t size() const noexcept { return next_ - begin_; }
 
 private:
     static constexpr std::size_t kFirst = 200;
 
     void Grow()
     {
-        const std::ptrdiff_t count = size();
-        symbols_.resize(2 * symbols_.size());
-        top_ = symbols_.data() + count;
+        const auto count = static_cast<std::size_t>(size());
+        auto memory = std::make_unique_for_overwrite<std::byte[]>(2 * count * sizeof(Symbol));
+        auto* const begin = reinterpret_cast<Symbol*>(memory.get());
+        next_ = std::uninitialized_move(begin_, next_, begin);
+        begin_ = begin;
+        end_ = begin + 2 * count;
+        memory_ = std::move(memory);
     }
 
-    std::vector<Symbol> symbols_; ///< the first one is never used
-    Symbol* top_;
+    alignas(Symbol) std::byte first_[kFirst * sizeof(Symbol)];
+    std::unique_ptr<std::byte[]> memory_; ///< once those do not suffice
+    Symbol* begin_ = reinterpret_cast<Symbol*>(first_);
+    Symbol* next_ = begin_;
+    Symbol* end_ = begin_ + kFirst;
 };
 
 } // namespace JSON
