@@ -24,6 +24,7 @@ inline void RegisterGrowth(const std::string& name,
     for (const std::size_t megabytes : {1U, 8U, 64U}) {
         const auto run = [prepare, megabytes](benchmark::State& state) {
             const std::function<void()> work = prepare(megabytes);
+            work(); // the heap gets its memory
             for (auto _ : state)
                 work();
         };

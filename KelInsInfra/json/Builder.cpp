@@ -9,7 +9,6 @@ Builder::Builder() : pool_(Pool::kFirstChunk)
 {
     frames_.reserve(16);
     values_.reserve(64);
-    keys_.reserve(32);
 }
 
 void Builder::OpenArray()
@@ -45,21 +44,19 @@ void Builder::Open(std::shared_ptr<Value> container)
         MakeRoom();
         values_.push_back(std::move(container));
     }
-    frames_.push_back({opened, values_.size(), keys_.size(), 0});
+    frames_.push_back({opened, values_.size(), 0});
 }
 
 void Builder::Close()
 {
     const Frame frame = frames_.back();
     const std::span values = std::span(values_).subspan(frame.firstValue);
-    const std::span keys = std::span(keys_).subspan(frame.firstKey);
     const bool shallow = frame.levels < kShallow;
     if (frame.container->IsArray())
         static_cast<Array*>(frame.container)->Append(values, shallow);
     else if (!values.empty())
-        static_cast<Object*>(frame.container)->Fill(pool_, keys, values, shallow);
+        static_cast<Object*>(frame.container)->Fill(pool_, keys_, values, shallow);
     values_.resize(frame.firstValue);
-    keys_.resize(frame.firstKey);
     frames_.pop_back();
     if (!frames_.empty())
         frames_.back().levels = std::max(frames_.back().levels, frame.levels + 1);

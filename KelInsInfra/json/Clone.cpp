@@ -1,6 +1,5 @@
 #include <KelInsInfra/json/internal/Builder.h>
 #include <KelInsInfra/json/internal/Clone.h>
-#include <KelInsInfra/json/internal/Escapes.h>
 
 namespace JSON {
 namespace {
@@ -19,8 +18,8 @@ const Value& NextChild(Frame& frame, Builder& builder)
     if (frame.source->IsArray())
         return *static_cast<const Array&>(*frame.source).Elements()[index];
     const auto& [key, value] = *static_cast<const Object&>(*frame.source).Order()[index];
-    builder.Key(key);
-    UnescapeInPlace(builder.LastKey());
+    builder.Keys().Push(key);
+    builder.Keys().UnescapeLast();
     return *value;
 }
 

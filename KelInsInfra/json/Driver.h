@@ -17,7 +17,8 @@ class Scanner;
 /// Builds JSON documents, by hand or from text, and reads the members of objects.
 ///
 /// By hand: Add(CreateObject()) opens a container, SetNextObjectKey(key) and Add(value) fill it, CloseCurrentValue()
-/// closes it. Values stay alive after the driver. One driver serves one thread at a time.
+/// closes it. Values stay alive after the driver. A value that was parsed and outlives its document keeps the piece of
+/// memory in which it lies, up to 64 KiB of the document; its clone lies alone. One driver serves one thread at a time.
 ///
 /// The building operations answer whether they did it; what they refuse changes nothing. They throw nothing but
 /// std::bad_alloc. A container must not be added to itself, nor to a container inside it.

@@ -3,33 +3,6 @@
 #include <cstring>
 
 namespace JSON {
-namespace {
-
-/// What the byte after a backslash stands for, 0 where the two are no escape.
-char EscapedByte(char letter)
-{
-    switch (letter) {
-    case '"':
-    case '\\':
-    case '/':
-        return letter;
-    case 'b':
-        return '\b';
-    case 'f':
-        return '\f';
-    case 'n':
-        return '\n';
-    case 'r':
-        return '\r';
-    case 't':
-        return '\t';
-    default:
-        return '\0';
-    }
-}
-
-} // namespace
-
 char* Unescape(std::string_view text, char* out)
 {
     const char* next = text.data();

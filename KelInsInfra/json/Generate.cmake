@@ -27,11 +27,7 @@ foreach(name IN ITEMS Scanner.cpp Parser.cpp internal/Parser.h)
     file(READ ${WORK}/${name} text)
     string(REGEX REPLACE "[ \t]+\n" "\n" text "${text}") # no blanks at line ends in what is committed
     if(name STREQUAL internal/Parser.h)
-        # the stack's constructor allocates: where memory runs out there, noexcept would end the host
-        replace_once(text "stack (size_type n = 200) YY_NOEXCEPT" "stack (size_type n = 200)")
-        # the stack is used several times for each token, so what it does must be as short as it can be
-        replace_once(text "seq_.push_back (T ());\n        operator[] (0).move (t);" "seq_.push_back (YY_MOVE (t));")
-        replace_once(text "for (; 0 < n; --n)\n          seq_.pop_back ();" "seq_.resize (seq_.size () - size_type (n));")
+        replace_once(text "typedef stack<stack_symbol_type> stack_type;" "typedef ParserStack<stack_symbol_type> stack_type;")
     endif()
     file(WRITE ${WORK}/${name} "${text}")
     if(NOT CHECK)

@@ -1,6 +1,7 @@
 #include <KelInsInfra/json/Item.h>
 #include <KelInsInfra/json/internal/Make.h>
 #include <KelInsInfra/json/internal/Writer.h>
+#include <cstring>
 
 namespace JSON {
 
@@ -18,6 +19,13 @@ void Item::Write(std::ostream& out) const
 void Item::WriteIndented(std::ostream& out, std::int32_t level) const
 {
     WriteTree(*this, Form::Indented, level, out);
+}
+
+std::size_t Item::LongSize() const
+{
+    std::size_t size = 0;
+    std::memcpy(&size, text_ - sizeof(size), sizeof(size));
+    return size;
 }
 
 } // namespace JSON

@@ -12,7 +12,7 @@ class Item : public Value
 {
 public:
     /// For the library itself: Driver's factories make items.
-    /// @param chunk  in which the item is being made, with room for the text behind it.
+    /// @param chunk  in which the item is being made, with room for the text too: RoomFor its size.
     /// @param hasEscapes  of the text, to be resolved.
     Item(Type type, Chunk& chunk, std::string_view text, bool hasEscapes);
 
@@ -20,12 +20,23 @@ public:
     void Write(std::ostream& out) const override;
     void WriteIndented(std::ostream& out, std::int32_t level) const override;
 
-    /// For the library itself: the text as it is kept.
-    std::string_view Text() const { return {reinterpret_cast<const char*>(this) + textOffset_, textSize_}; }
+    /// @cond  what follows is for the library itself, and not exported
+
+    /// The text as it is kept.
+    std::string_view Text() const { return {text_, size_ < kLong ? size_ : LongSize()}; }
+
+    /// Bytes that a text takes in its chunk.
+    static constexpr std::size_t RoomFor(std::size_t size) { return size < kLong ? size : sizeof(size) + size; }
+
+    /// @endcond
 
 private:
-    std::uint32_t textOffset_; ///< in place of a pointer: it fits into the space after the type
-    std::size_t textSize_;
+    static constexpr std::uint32_t kLong = 65536; ///< the size of a text from here on lies before it
+
+    std::size_t LongSize() const;
+
+    std::uint32_t size_; ///< fits into the space after the type
+    const char* text_;
 };
 
 } // namespace JSON

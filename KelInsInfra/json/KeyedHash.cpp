@@ -1,7 +1,7 @@
+#include <KelInsInfra/json/internal/ByteRuns.h>
 #include <KelInsInfra/json/internal/KeyedHash.h>
 #include <bit>
 #include <chrono>
-#include <cstring>
 #include <random>
 
 namespace JSON {
@@ -55,12 +55,16 @@ struct State
     }
 };
 
-std::uint64_t LittleEndian(const char* bytes, std::size_t count)
+/// The last bytes of a text, up to seven, as the lowest ones of a word.
+std::uint64_t LastBytes(std::string_view bytes)
 {
-    std::uint64_t word = 0;
-    for (std::size_t i = 0; i < count; ++i)
-        word |= std::uint64_t{static_cast<unsigned char>(bytes[i])} << (8 * i);
-    return word;
+    const std::size_t count = bytes.size();
+    const char* const begin = bytes.data();
+    const auto byte = [begin](std::size_t i) { return std::uint64_t{static_cast<unsigned char>(begin[i])} << (8 * i); };
+    if (count < 4)
+        return count == 0 ? 0 : byte(0) | byte(count / 2) | byte(count - 1);
+    const std::uint64_t low = FourBytes(begin);
+    return low | std::uint64_t{FourBytes(begin + count - 4)} << (8 * (count - 4));
 }
 
 } // namespace
@@ -77,8 +81,8 @@ std::uint64_t SipHash13(std::uint64_t key0, std::uint64_t key1, std::string_view
                 key1 ^ 0x7465646279746573U};
     const std::uint64_t length = text.size();
     for (; text.size() >= 8; text.remove_prefix(8))
-        state.Mix(LittleEndian(text.data(), 8));
-    state.Mix(LittleEndian(text.data(), text.size()) | length << 56);
+        state.Mix(EightBytes(text.data()));
+    state.Mix(LastBytes(text) | length << 56);
     state.v2 ^= 0xFF;
     for (int i = 0; i < 3; ++i)
         state.Round();

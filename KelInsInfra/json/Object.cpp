@@ -2,6 +2,7 @@
 #include <KelInsInfra/json/internal/Clone.h>
 #include <KelInsInfra/json/internal/Escapes.h>
 #include <KelInsInfra/json/internal/KeyIndex.h>
+#include <KelInsInfra/json/internal/KeyStack.h>
 #include <KelInsInfra/json/internal/Member.h>
 #include <KelInsInfra/json/internal/TakeApart.h>
 #include <KelInsInfra/json/internal/Writer.h>
@@ -10,7 +11,7 @@
 namespace JSON {
 namespace {
 
-constexpr std::size_t kSearchedThrough = 8; ///< up to so many members a search beats a hash
+constexpr std::size_t kSearchedThrough = 32; ///< up to so many members a search beats a hash
 
 /// Most keys differ in their size or their last byte.
 bool SameKey(const std::string& a, std::string_view b)
@@ -93,26 +94,30 @@ void Object::MakeRoomInIndex()
     index_ = std::move(index);
 }
 
-void Object::Fill(Pool& pool, std::span<std::string> keys, std::span<std::shared_ptr<Value>> values, bool shallow)
+void Object::Fill(Pool& pool, KeyStack& keys, std::span<std::shared_ptr<Value>> values, bool shallow)
 {
-    order_.reserve(keys.size());
-    if (keys.size() > kSearchedThrough)
-        index_ = std::make_unique<KeyIndex>(keys.size());
-    blocks_ = MemberBlock::Create(pool, keys.size(), blocks_);
+    order_.reserve(values.size());
+    if (values.size() > kSearchedThrough)
+        index_ = std::make_unique<KeyIndex>(values.size());
+    blocks_ = MemberBlock::Create(pool, values.size(), blocks_);
     shallow_ = shallow;
 
     // From the last to the first: of a repeated key the last value stays, in the last place.
-    Member* const end = blocks_->Begin() + keys.size();
+    Member* const end = blocks_->Begin() + values.size();
     Member* first = end;
-    for (std::size_t i = keys.size(); i-- > 0;) {
-        if (!index_ && std::any_of(first, end, [&](const Member& other) { return SameKey(other.first, keys[i]); }))
+    for (std::size_t i = values.size(); i-- > 0; keys.DropLast()) {
+        const std::string_view key = keys.Last();
+        if (!index_ && std::any_of(first, end, [key](const Member& other) { return SameKey(other.first, key); }))
             continue;
-        new (--first) Member(std::move(keys[i]), std::move(values[i]));
-        if (index_ && !index_->Add(first))
-            (first++)->~Member();
+        Member* const member = new (first - 1) Member(key, std::move(values[i]));
+        if (index_ && !index_->Add(member)) {
+            member->~Member();
+            continue;
+        }
+        order_.push_back(member);
+        first = member;
     }
-    while (first != end)
-        order_.push_back(first++);
+    std::reverse(order_.begin(), order_.end());
 }
 
 POSITION Object::Find(std::string_view key) const

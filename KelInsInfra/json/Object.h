@@ -7,6 +7,7 @@
 namespace JSON {
 
 class KeyIndex;
+class KeyStack;
 class Pool;
 struct MemberBlock;
 
@@ -31,8 +32,9 @@ public:
     void Insert(std::string key, std::shared_ptr<Value> value);
 
     /// The same for all members of an object that is empty yet, one after the other, their keys unescaped already.
+    /// @param keys  has the object's keys on its top, which it loses.
     /// @param shallow  whether the values may be destroyed by recursion.
-    void Fill(Pool& pool, std::span<std::string> keys, std::span<std::shared_ptr<Value>> values, bool shallow);
+    void Fill(Pool& pool, KeyStack& keys, std::span<std::shared_ptr<Value>> values, bool shallow);
 
     /// Null where there is none.
     POSITION Find(std::string_view key) const;

@@ -194,7 +194,7 @@ TEST(JsonMemory, AddingEitherWorksOrChangesNothing)
     for (const bool repeated : {false, true}) {
         Driver driver;
         driver.NewObject();
-        for (int i = 0; i < 20; ++i)
+        for (int i = 0; i < 40; ++i) // beyond 32 an object gets an index
             driver.AddToObject("a key that needs memory " + std::to_string(i), Driver::CreateNull());
         const std::string before = driver.GetJSON();
         const std::string key = "a key that needs memory " + std::to_string(repeated ? 0 : 99);
@@ -203,7 +203,7 @@ TEST(JsonMemory, AddingEitherWorksOrChangesNothing)
         WithEveryFailure([&] { added = driver.AddToObject(key, value); },
                          [&] { EXPECT_TRUE(added || driver.GetJSON() == before); });
         EXPECT_EQ(driver.GetValue()->GetObjectValues().back()->first, key);
-        EXPECT_EQ(driver.GetValue()->GetSize(), repeated ? 20U : 21U);
+        EXPECT_EQ(driver.GetValue()->GetSize(), repeated ? 40U : 41U);
         EXPECT_TRUE(driver.Add(Driver::CreateNull())); // into the array, which was opened
         EXPECT_EQ(value->GetJSON(), "[null]");
     }

@@ -1,14 +1,17 @@
 #include <KelInsInfra/json/Driver.h>
 #include <fuzz/JsonModel.h>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <locale>
 #include <sstream>
 #include <streambuf>
 #include <string>
+#include <string_view>
 #include <tests/json/EchoCapture.h>
 #include <tests/json/SmallStack.h>
 #include <tests/support/ExpectThrowsText.h>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -311,6 +314,104 @@ TEST(JsonStream, ThatBreaksInTheMiddle)
     }
 }
 
+/// Memory that runs out is no broken stream.
+TEST(JsonStream, ThatRunsOutOfMemory)
+{
+    class Hungry : public std::streambuf
+    {
+        int_type underflow() override { throw std::bad_alloc(); }
+    };
+
+    Hungry buffer;
+    std::istream in(&buffer);
+    Driver driver;
+    ASSERT_TRUE(driver.Parse("[1]"));
+    EXPECT_THROW(driver.Parse(in), std::bad_alloc);
+    EXPECT_EQ(driver.GetValue(), nullptr);
+    EXPECT_TRUE(driver.Parse("[2]"));
+}
+
+/// The state of the stream itself is not looked at: only its buffer is read.
+TEST(JsonStream, ThatHasFailedBefore)
+{
+    std::istringstream in("[1]");
+    in.setstate(std::ios_base::failbit);
+    Driver driver;
+    EXPECT_TRUE(driver.Parse(in));
+    EXPECT_EQ(driver.GetJSON(), "[1]");
+}
+
+/// Once a read has come back short, it is not tried again.
+TEST(JsonStream, ThatGoesOnAfterItsEnd)
+{
+    class Twice : public std::streambuf
+    {
+        std::streamsize xsgetn(char* out, std::streamsize) override
+        {
+            return static_cast<std::streamsize>(std::string_view(reads_++ == 0 ? "[1" : ",2]").copy(out, 3));
+        }
+
+        int reads_ = 0;
+    };
+
+    Twice buffer;
+    std::istream in(&buffer);
+    Driver driver;
+    EXPECT_FALSE(driver.Parse(in));
+}
+
+/// A standard output that fails in each way it can.
+class BrokenOutput : public std::streambuf
+{
+public:
+    enum class How
+    {
+        Refuses,
+        Throws,
+        RunsOutOfMemory
+    };
+
+    explicit BrokenOutput(How how) : how_(how), former_(std::cout.rdbuf(this)) {}
+
+    ~BrokenOutput() override { std::cout.rdbuf(former_); }
+
+    int Attempts() const { return attempts_; }
+
+private:
+    int_type overflow(int_type) override
+    {
+        ++attempts_;
+        if (how_ == How::Throws)
+            throw std::runtime_error("the console is gone");
+        if (how_ == How::RunsOutOfMemory)
+            throw std::bad_alloc();
+        return traits_type::eof();
+    }
+
+    How how_;
+    int attempts_ = 0;
+    std::streambuf* former_;
+};
+
+TEST(JsonEcho, ThatFailsIsNotTriedAgainAndEndsNoParse)
+{
+    for (const BrokenOutput::How how : {BrokenOutput::How::Refuses, BrokenOutput::How::Throws}) {
+        BrokenOutput output(how);
+        Driver driver;
+        EXPECT_TRUE(driver.Parse("[1,#2,#3]"));
+        EXPECT_EQ(driver.GetJSON(), "[1, 2, 3]");
+        EXPECT_EQ(output.Attempts(), 1);
+    }
+}
+
+TEST(JsonEcho, ThatRunsOutOfMemory)
+{
+    const BrokenOutput output(BrokenOutput::How::RunsOutOfMemory);
+    Driver driver;
+    EXPECT_THROW(driver.Parse("[1,#2]"), std::bad_alloc);
+    EXPECT_EQ(driver.GetValue(), nullptr);
+}
+
 TEST(JsonStream, ThatGivesOneByteAtATime)
 {
     const std::string text = R"([{"key":"value\n"},12345,true, "another"])";
@@ -395,6 +496,47 @@ TEST(JsonRefill, NumberThatIsNoneAfterAll)
     ASSERT_TRUE(driver.Parse("[" + digits + "." + "]"));
     EXPECT_EQ(driver.GetJSON(), "[" + digits + "]");
     EXPECT_EQ(echo.Text(), ".");
+}
+
+/// Gives an array's beginning, then digits without end.
+class DigitsWithoutEnd : public std::streambuf
+{
+    std::streamsize xsgetn(char* out, std::streamsize size) override
+    {
+        std::fill_n(out, size, '7');
+        if (!std::exchange(begun_, true))
+            *out = '[';
+        return size;
+    }
+
+    bool begun_ = false;
+};
+
+/// Flex counts its buffer's bytes with an int: before that overflows, the parse ends.
+TEST(JsonRefill, NumberThatDoesNotEnd)
+{
+    DigitsWithoutEnd buffer;
+    std::istream in(&buffer);
+    Driver driver;
+    ExpectThrowsText<std::runtime_error>([&] { driver.Parse(in); }, "fatal error - scanner input buffer overflow");
+    EXPECT_EQ(driver.GetValue(), nullptr);
+    EXPECT_TRUE(driver.Parse("[1]"));
+}
+
+/// An item keeps the size of a long text in another place than that of a short one.
+TEST(JsonLongTexts, OfEverySizeAroundTheLimit)
+{
+    for (std::size_t size = 65530; size < 65545; ++size) {
+        const std::string text(size, 'x');
+        const std::string escaped = "\\n" + text.substr(2);
+        EXPECT_EQ(Driver::CreateString(text, false)->GetString(), text);
+        EXPECT_EQ(Driver::CreateString(text, false)->Clone()->GetString(), text);
+        EXPECT_EQ(Driver::CreateNumber(text)->GetString(), text);
+        Driver driver;
+        ASSERT_TRUE(driver.Parse("[\"" + escaped + "\",\"" + text + "\"]"));
+        EXPECT_EQ(driver.GetValue()->GetArrayValue(0)->GetString(), "\n" + text.substr(2));
+        EXPECT_EQ(driver.GetValue()->GetArrayValue(1)->GetString(), text);
+    }
 }
 
 /// A locale with other digits' grouping and decimal point than the classic one.

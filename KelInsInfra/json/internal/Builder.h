@@ -1,5 +1,6 @@
 #pragma once
 
+#include <KelInsInfra/json/internal/KeyStack.h>
 #include <KelInsInfra/json/internal/Make.h>
 #include <cstddef>
 
@@ -17,12 +18,8 @@ public:
 
     bool InObject() const { return frames_.back().container->IsObject(); }
 
-    /// The key of what comes next, unescaped: in an object only, where each value needs one.
-    void Key(std::string_view key) { keys_.emplace_back(key); }
-
-    std::string& LastKey() { return keys_.back(); }
-
-    void DropLastKey() { keys_.pop_back(); }
+    /// On top of these comes the key of the next value, unescaped: in an object only, where each value needs one.
+    KeyStack& Keys() { return keys_; }
 
     /// @param hasEscapes  of the text, to be resolved.
     void AddItem(Type type, std::string_view text, bool hasEscapes)
@@ -41,12 +38,11 @@ public:
     std::shared_ptr<Value> TakeRoot() { return std::move(root_); }
 
 private:
-    /// An open container: its values and keys are the ones from there on.
+    /// An open container: its values are the ones from there on. An object has as many keys, the last ones.
     struct Frame
     {
         Value* container;
         std::size_t firstValue;
-        std::size_t firstKey;
         unsigned levels; ///< of containers below this one
     };
 
@@ -63,7 +59,7 @@ private:
     std::shared_ptr<Value> root_;
     std::vector<Frame> frames_;
     std::vector<std::shared_ptr<Value>> values_;
-    std::vector<std::string> keys_;
+    KeyStack keys_;
 };
 
 } // namespace JSON

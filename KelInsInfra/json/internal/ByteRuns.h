@@ -20,6 +20,13 @@ inline std::uint64_t EightBytes(const char* bytes)
     return word;
 }
 
+inline std::uint32_t FourBytes(const char* bytes)
+{
+    std::uint32_t word = 0;
+    std::memcpy(&word, bytes, sizeof(word));
+    return word;
+}
+
 /// Of the eight bytes, the lowest zero one has its highest bit set in the result; 0 if there is none.
 constexpr std::uint64_t FirstZeroByte(std::uint64_t word)
 {
@@ -77,7 +84,7 @@ inline const char* FindBackslash(const char* begin, const char* end)
     return begin;
 }
 
-constexpr std::size_t kReadBeyond = 16; ///< memory that must be there after what these two look at
+constexpr std::size_t kReadBeyond = 16; ///< memory that must be there after what these look at
 
 /// The first quote or backslash, or the end.
 inline char* FindQuoteOrBackslash(char* begin, char* end)
@@ -90,6 +97,19 @@ inline char* FindQuoteOrBackslash(char* begin, char* end)
         }
     }
     return begin < end ? begin : end;
+}
+
+/// The first byte that is no digit; there must be one.
+inline char* SkipDigits(char* next)
+{
+    const __m128i beforeZero = _mm_set1_epi8('0' - 1);
+    const __m128i afterNine = _mm_set1_epi8('9' + 1);
+    for (;; next += 16) {
+        const __m128i bytes = SixteenBytes(next);
+        const __m128i digits = _mm_and_si128(_mm_cmpgt_epi8(bytes, beforeZero), _mm_cmplt_epi8(bytes, afterNine));
+        if (const unsigned others = static_cast<unsigned>(_mm_movemask_epi8(digits)) ^ 0xFFFF; others != 0)
+            return next + std::countr_zero(others);
+    }
 }
 
 constexpr bool IsWhiteSpace(char c)

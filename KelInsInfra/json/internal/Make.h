@@ -6,6 +6,7 @@
 #include <KelInsInfra/json/internal/ByteRuns.h>
 #include <KelInsInfra/json/internal/Escapes.h>
 #include <KelInsInfra/json/internal/Pool.h>
+#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -23,18 +24,25 @@ std::shared_ptr<T> MakeContainer(Pool& pool)
 
 inline Item::Item(Type type, Chunk& chunk, std::string_view text, bool hasEscapes) : Value(type)
 {
-    char* const copy = chunk.Take(text.size());
-    textOffset_ = static_cast<std::uint32_t>(copy - reinterpret_cast<char*>(this));
-    textSize_ = text.size();
+    char* const room = chunk.Take(RoomFor(text.size()));
+    char* const copy = room + (RoomFor(text.size()) - text.size());
+    std::size_t size = text.size();
     if (hasEscapes)
-        textSize_ = static_cast<std::size_t>(Unescape(text, copy) - copy);
+        size = static_cast<std::size_t>(Unescape(text, copy) - copy);
     else
         CopyBytes(copy, text);
+    text_ = copy;
+    if (copy == room) {
+        size_ = static_cast<std::uint32_t>(size);
+    } else {
+        size_ = kLong;
+        std::memcpy(room, &size, sizeof(size));
+    }
 }
 
 inline std::shared_ptr<Item> MakeItem(Pool& pool, Type type, std::string_view text = {}, bool hasEscapes = false)
 {
-    Chunk& chunk = pool.ChunkFor(kSharedSize<Item> + Chunk::Rounded(text.size()));
+    Chunk& chunk = pool.ChunkFor(kSharedSize<Item> + Chunk::Rounded(Item::RoomFor(text.size())));
     return std::allocate_shared<Item>(ChunkAllocator<Item>(chunk), type, chunk, text, hasEscapes);
 }
 

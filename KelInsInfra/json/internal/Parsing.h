@@ -14,7 +14,13 @@ public:
     /// @param nextKey  the driver's: what is pending before the parse, and after it.
     explicit Parsing(std::string& nextKey) : nextKey_(nextKey) {}
 
-    ~Parsing() { PutKeyBack(); }
+    ~Parsing()
+    {
+        try {
+            PutKeyBack();
+        } catch (const std::bad_alloc&) { // which ends the parse already: the key is lost with it
+        }
+    }
 
     Parsing(const Parsing&) = delete;
     Parsing& operator=(const Parsing&) = delete;
@@ -22,10 +28,10 @@ public:
     void SetNextObjectKey(const Scanner::Text& escaped)
     {
         if (keyIsInPlace_)
-            builder_.DropLastKey();
+            builder_.Keys().DropLast();
         nextKey_.clear();
         keyIsInPlace_ = false; // in case memory runs out
-        builder_.Key(escaped.bytes);
+        builder_.Keys().Push(escaped.bytes);
         keyIsInPlace_ = true;
         keyHasEscapes_ = escaped.hasEscapes;
     }
@@ -72,24 +78,23 @@ private:
             return true;
         }
         if (!keyIsInPlace_) {
-            builder_.Key(nextKey_);
+            builder_.Keys().Push(nextKey_);
             nextKey_.clear();
             keyHasEscapes_ = true;
         }
-        std::string& key = builder_.LastKey();
-        keyIsInPlace_ = key.empty(); // refused then, and pending still
+        keyIsInPlace_ = builder_.Keys().Last().empty(); // refused then, and pending still
         if (keyHasEscapes_)
-            UnescapeInPlace(key);
+            builder_.Keys().UnescapeLast();
         return !keyIsInPlace_;
     }
 
     /// A pending key lies with the builder, where most are soon needed; it is in the way of what is done otherwise.
-    void PutKeyBack() noexcept
+    void PutKeyBack()
     {
         if (!keyIsInPlace_)
             return;
-        nextKey_ = std::move(builder_.LastKey());
-        builder_.DropLastKey();
+        nextKey_ = builder_.Keys().Last();
+        builder_.Keys().DropLast();
         keyIsInPlace_ = false;
     }
 

@@ -7,8 +7,8 @@
 #undef yyFlexLexer
 #endif
 #include <streambuf>
-#include <string>
 #include <string_view>
+#include <vector>
 
 namespace JSON {
 
@@ -31,7 +31,7 @@ public:
     Scanner& operator=(const Scanner&) = delete;
 
     /// The next token's number, 0 at the end of input.
-    int yylex() override;
+    int Next();
 
     /// Of the last number or string. A number's is valid until the next token is asked for, a string's until the next
     /// but one.
@@ -40,17 +40,20 @@ public:
 private:
     static constexpr std::size_t kLargestBuffer = 16384; ///< at first; it grows for a number that is longer
 
+    int yylex() override;
+    int LexerInput(char* buffer, int size) override;
+    void LexerOutput(const char* text, int size) override;
     [[noreturn]] void LexerError(const char* message) override;
 
     void MakeBuffer(std::size_t size);
     char* EndOfBuffer() const;
-    char* NextByte();
     void GoOnAt(char* next);
-    void SkipWhiteSpace(char* next);
+    int TakeByRules();
+    int Take(int token, int size);
     bool TakeString();
     bool TakeNumber();
 
-    std::string string_;
+    std::vector<char> string_;
     Text text_;
 };
 
