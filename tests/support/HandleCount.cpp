@@ -9,7 +9,7 @@ std::size_t HandleCount()
     if (::GetProcessHandleCount(::GetCurrentProcess(), &told) && told != 0)
         return told;
     // Wine tells 0. It gives the lowest free number to a new handle: a gap so wide has never been filled.
-    constexpr std::uintptr_t kGap = 64;
+    constexpr std::uintptr_t kGap = 32;
     constexpr std::uintptr_t kStep = 4; // handles are multiples of it
     const DWORD lastError = ::GetLastError();
     std::size_t count = 0;
@@ -24,4 +24,14 @@ std::size_t HandleCount()
     }
     ::SetLastError(lastError);
     return count;
+}
+
+std::array<const void*, 2> NextHandles()
+{
+    std::array<HANDLE, 2> events{};
+    for (HANDLE& event : events)
+        event = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    for (const HANDLE event : events)
+        ::CloseHandle(event);
+    return {events[0], events[1]};
 }

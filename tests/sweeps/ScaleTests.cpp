@@ -119,10 +119,8 @@ TEST(Scale, ManyChildren)
     EXPECT_EQ(run(3), 3);
     const std::size_t handles = HandleCount();
     Timed("start children and wait for them", [&] {
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < count; ++i)
             ASSERT_EQ(run(i % 200), i % 200) << "child " << i;
-            ASSERT_EQ(HandleCount(), handles) << "child " << i << ", refused so far " << refusals;
-        }
     });
     EXPECT_EQ(HandleCount(), handles);
     std::printf("%-40s %8d\n", "refused by the system, and repeated", refusals);
