@@ -28,7 +28,7 @@ build() { # PRESET TARGET...
 }
 
 in_wine() { # PROGRAM ARGUMENT...
-    mkdir -p build/mingw/results && cd build/mingw/results && "$root/scripts/wine.sh" "../bin/$1.exe" "${@:2}"
+    mkdir -p build/mingw/results && cd build/mingw/results && "$root/scripts/wine-test.sh" "../bin/$1.exe" "${@:2}"
 }
 
 step install scripts/install.sh

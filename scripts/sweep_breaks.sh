@@ -66,7 +66,7 @@ build() {
 }
 
 run() {
-    (cd "$copy/build/mingw/results" && "$root/scripts/wine.sh" "../bin/$program.exe" "--gtest_filter=$row") \
+    (cd "$copy/build/mingw/results" && "$root/scripts/wine-test.sh" "../bin/$program.exe" "--gtest_filter=$row") \
         >"$log" 2>&1 </dev/null
 }
 

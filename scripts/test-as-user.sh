@@ -28,7 +28,7 @@ as_user "$work/scripts/wine-prefix.sh"
 
 status=0
 run() { # NAME PROGRAM FILTER
-    (cd "$work/results" && as_user "$work/scripts/wine.sh" "$work/bin/$2.exe" "--gtest_filter=$3" --gtest_brief=1 \
+    (cd "$work/results" && as_user "$work/scripts/wine-test.sh" "$work/bin/$2.exe" "--gtest_filter=$3" --gtest_brief=1 \
         "--gtest_output=xml:$1.xml") || status=1
 }
 

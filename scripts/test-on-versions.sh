@@ -21,8 +21,8 @@ set_value() { # KEY NAME DATA
 }
 
 run() { # LEG SUITES FILTER
-    (cd "$results" && wine "$root/build/mingw/bin/dll_tests.exe" "--gtest_filter=$3" --gtest_brief=1 \
-        "--gtest_output=xml:dll_tests_$2_$1.xml")
+    (cd "$results" && "$root/scripts/wine-test.sh" "$root/build/mingw/bin/dll_tests.exe" "--gtest_filter=$3" --gtest_brief=1 \
+        "--gtest_output=xml:dll_tests_$2_$1.xml" </dev/null)
 }
 
 # Process builder and registry in a process of their own, for the reasons that stand in tests/CMakeLists.txt.
