@@ -72,6 +72,7 @@ if step "build for Windows, each public header alone too" build mingw all all_ve
     if step "make the Wine prefix in build/" scripts/wine-prefix.sh; then
         step "test under Wine" tests mingw
         results+=(build/mingw/results)
+        step "coverage by the tests under Wine" scripts/coverage.sh --wine
         if [ "$(id -u)" -eq 0 ]; then
             step "test under Wine as an ordinary user" scripts/test-as-user.sh
             results+=(build/mingw-user/results)

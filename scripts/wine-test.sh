@@ -5,12 +5,13 @@ set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 prefix=${KELINS_WINEPREFIX:-$root/build/wineprefix}
 
-server() { # its process id; nothing where none runs
-    local folder name
+server() { # its process id, by the lock that it holds; nothing where none runs
+    local folder device inode lock
     folder=/tmp/$(cat "$prefix/wineserver" 2>/dev/null) || return 0
-    name=$(printf 'server-%s-%x' $(stat -c '%D %i' "$prefix")) # as the server names its folder
-    name=$(stat -c %i "$folder/$name/lock" 2>/dev/null) || return 0
-    awk -v inode=":$name" 'substr($6, length($6) - length(inode) + 1) == inode { print $5; exit }' /proc/locks
+    read -r device inode < <(stat -c '%D %i' "$prefix")
+    lock=$folder/$(printf 'server-%s-%x' "$device" "$inode")/lock # as the server names it
+    inode=:$(stat -c %i "$lock" 2>/dev/null) || return 0
+    awk -v inode="$inode" 'substr($6, length($6) - length(inode) + 1) == inode { print $5; exit }' /proc/locks
 }
 
 before=$(server)
