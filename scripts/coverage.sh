@@ -27,7 +27,7 @@ run_windows() {
     cp "$windows"/bin/{system_child.exe,planted_library.dll,planted_program.exe} "$windows/counted/"
     forget "$windows"
     # One after another: two processes that end at once would both add to the same counts.
-    scripts/wine.sh "$windows/counted/portable_tests.exe" --gtest_filter="$portable" --gtest_brief=1
+    scripts/wine-test.sh "$windows/counted/portable_tests.exe" --gtest_filter="$portable" --gtest_brief=1
     KELINS_PROGRAMS=$root/$windows/counted ctest --preset mingw -j 1 -R '^(internal_tests|dll_tests.*)$|Isolated' -LE long
 }
 
