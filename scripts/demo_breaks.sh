@@ -41,7 +41,7 @@ describe() { # STEP: what is broken for it: a source, a sed command that changes
             change='s/result.count += KelInsString::ReplaceAll(line, from, to);/if (const auto at = line.find(from); at != std::string::npos) line.replace(at, from.size(), to);/' ;;
         14) source=registry/RegistryKeys.cpp what='one view stands for both'
             change='s/return KEY_WOW64_32KEY;/return KEY_WOW64_64KEY;/' ;;
-        15) source=json/Escapes.cpp what='escaped backslashes stay' # the only case of two characters
+        15) source=json/internal/Escapes.h what='escaped backslashes stay' # the only case of two characters
             change="/^    case '..':\$/d" ;;
         16) source=io/FileChanges.cpp what='SetReadOnly tells the opposite of what it did'
             change='s/return isReadOnly != readOnly && ::Set/return isReadOnly != readOnly \&\& !::Set/' ;;

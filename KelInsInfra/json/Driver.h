@@ -41,17 +41,19 @@ public:
     /// - backslash escapes in keys and strings are resolved, but "\u" and its four digits stay as written;
     /// - of a repeated key only the last value stays, at the end of the order;
     /// - a member under an empty key is refused: a scalar is left out, and a container is not entered, so that its
-    ///   content goes to the container around it and its closing brace or bracket closes that one;
+    ///   members go to the object around it, its elements are refused there, and its closing brace or bracket closes
+    ///   that object. What follows a root that was closed so is refused, but a container becomes the root in its place;
     /// - every byte that fits no rule is echoed to std::cout and skipped: carriage returns outside strings, a
-    ///   byte-order mark, comments, a backslash in a string that begins no escape. Control bytes in strings are
-    ///   accepted;
-    /// - numbers keep their text; leading zeros are accepted.
+    ///   byte-order mark, the slashes and letters of comments (what looks like a token in them is one), a backslash in
+    ///   a string that begins no escape. Control bytes in strings are accepted;
+    /// - numbers keep their text; leading zeros are accepted. One of 512 MiB or more stops the scanner.
     ///
     /// Parse of a string holds the former document until it returns, as the string may be a key in it: ResetParser
     /// first saves that memory.
     ///
     /// @return true: the root is there, and open for Add. False for a syntax error: the driver is empty; nothing is
-    ///         printed for it. A pending key of SetNextObjectKey is not cleared by failure.
+    ///         printed for it. A pending key of SetNextObjectKey is kept; but each key of the text takes its place, and
+    ///         one that no value has used is pending afterwards, whatever the result.
     /// @throws std::runtime_error  with the scanner's text when it cannot go on ("input in flex scanner failed" when
     ///         the stream breaks).
     /// @throws std::bad_alloc      when memory runs out. The driver is empty after either.

@@ -14,7 +14,7 @@ public:
     /// For the library itself: Driver's factories make items.
     /// @param chunk  in which the item is being made, with room for the text too: RoomFor its size.
     /// @param hasEscapes  of the text, to be resolved.
-    Item(Type type, Chunk& chunk, std::string_view text, bool hasEscapes);
+    inline Item(Type type, Chunk& chunk, std::string_view text, bool hasEscapes);
 
     std::shared_ptr<Value> Clone() const override;
     void Write(std::ostream& out) const override;

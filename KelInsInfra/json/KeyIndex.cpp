@@ -12,7 +12,10 @@ std::size_t SlotsFor(std::size_t members)
 
 } // namespace
 
-KeyIndex::KeyIndex(std::size_t members) : slots_(SlotsFor(members)) {}
+KeyIndex::KeyIndex(std::size_t members) : slots_(SlotsFor(members))
+{
+    KeyedHash({}); // makes the process's hash key, which may throw here
+}
 
 void KeyIndex::ReserveOneMore()
 {

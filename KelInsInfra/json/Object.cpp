@@ -109,7 +109,7 @@ void Object::Fill(Pool& pool, KeyStack& keys, std::span<std::shared_ptr<Value>> 
         const std::string_view key = keys.Last();
         if (!index_ && std::any_of(first, end, [key](const Member& other) { return SameKey(other.first, key); }))
             continue;
-        Member* const member = new (first - 1) Member(key, std::move(values[i]));
+        auto* const member = new (first - 1) Member(key, std::move(values[i]));
         if (index_ && !index_->Add(member)) {
             member->~Member();
             continue;

@@ -1799,7 +1799,7 @@ static const yy_state_type yy_NUL_trans[45] =
  *     flex --noline --outfile=Scanner.cpp Scanner.l
  *
  * Next, at the end, takes most tokens out of the buffer by itself, as a step of flex for each of their bytes is slower.
- * What does not lie in the buffer whole, or needs an echo, is left to the rules.
+ * What does not lie in the buffer whole, with a few bytes behind it, or needs an echo, is left to the rules.
  *
  * Whatever no rule takes is echoed and skipped, carriage returns outside strings included: flex's default action, which
  * callers of the first release rely on. The rules for beginnings of tokens that come to nothing do the same: with them

@@ -34,8 +34,9 @@ using POSITION = const std::pair<const std::string, std::shared_ptr<Value>>*;
 /// Any JSON value: an Item (every scalar), an Array or an Object. Made by JSON::Driver only, held by shared pointers.
 ///
 /// The readers below work on every type; asked for what a value is not, they answer with the stated substitute. Values
-/// may be read on several threads at once, and released on any. Nesting is limited by memory alone: nothing here
-/// recurses. A weak pointer to an inner value must not be locked while another thread releases the document.
+/// may be read on several threads at once, and released on any. Nesting is limited by memory alone: the stack
+/// that releasing takes is that of 64 levels at most, and nothing else here recurses. A weak pointer to an inner value
+/// must not be locked while another thread releases the document.
 class Value
 {
 public:

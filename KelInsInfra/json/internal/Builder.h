@@ -7,7 +7,7 @@
 namespace JSON {
 
 /// Builds a document from its beginning to its end. What a container holds is gathered here until it is closed, so that
-/// it is allocated once, in its final size.
+/// it is allocated once, in its final size; but an array of a thousand elements and more grows.
 class Builder
 {
 public:

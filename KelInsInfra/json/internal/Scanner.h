@@ -20,7 +20,7 @@ public:
     struct Text
     {
         std::string_view bytes;
-        bool hasEscapes = false; ///< backslashes, as written
+        bool hasEscapes = false; ///< may hold backslashes, which are as written
     };
 
     /// @param source  may be null: that is no text.
@@ -47,9 +47,9 @@ private:
 
     void MakeBuffer(std::size_t size);
     char* EndOfBuffer() const;
-    void GoOnAt(char* next);
+    inline void GoOnAt(char* next);
     int TakeByRules();
-    int Take(int token, int size);
+    inline int Take(int token, int size);
     bool TakeString();
     bool TakeNumber();
 

@@ -4,7 +4,7 @@
 
 namespace JSON {
 
-/// Levels of containers that may be destroyed by recursion, each of them taking two calls' room of the stack.
+/// Levels of containers that may be destroyed by recursion, each of them taking a few calls' room of the stack.
 inline constexpr unsigned kShallow = 64;
 
 /// Destroys what a container holds, and all below it, in constant stack and without allocating.
