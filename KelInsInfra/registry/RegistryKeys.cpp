@@ -106,7 +106,7 @@ std::vector<std::string> SubkeysOf(HKEY parent, const std::string& subkey, Regis
 /// The system sees a path up to a NUL: what came after that would make each key below the same key again, without end.
 std::string Below(const std::string& subkey, const std::string& name)
 {
-    return std::string(subkey.c_str()) + '\\' + name;
+    return subkey.substr(0, subkey.find('\0')) + '\\' + name;
 }
 
 void DeleteSubkeyTree(HKEY parent, const std::string& subkey, RegistryView view)
