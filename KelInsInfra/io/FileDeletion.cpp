@@ -165,7 +165,8 @@ void Delete(const std::string& path)
 bool RemoveEmptyDirectories(const std::string& path)
 {
     try {
-        return IsDirectory(Path(path).GetPath()) && RemoveEmptyBranches(path); // the search normalises the path, too
+        const std::string searched = Path(path).GetPath(); // as the search has it
+        return IsDirectory(searched) && RemoveEmptyBranches(path);
     } catch (const std::exception&) {
         return false;
     }

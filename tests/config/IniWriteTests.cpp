@@ -227,6 +227,17 @@ TEST(Write, RefusesEmptyArgumentsTheFileNameFirst)
     EXPECT_FALSE(KelInsIO::Exists("missing"));
 }
 
+/// The system would see the name before the NUL, so the temporary file would be another one.
+TEST(Write, RefusesANameWithANul)
+{
+    const TempDirectory directory;
+    const std::string name = directory / "file";
+    ExpectThrowsText<std::runtime_error>(
+        [&] { KelInsIniFile::Write(name + std::string("\0x", 2), "S", "K", "V", Where::Replace, ';', false); },
+        "Failed to open " + name);
+    EXPECT_FALSE(KelInsIO::Exists(name));
+}
+
 TEST(Write, RefusesAFileThatIsBeingWritten)
 {
     const TempDirectory directory;
