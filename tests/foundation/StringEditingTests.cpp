@@ -158,7 +158,7 @@ TEST(ToFixedPrecision, DigitsAfterThePoint)
 }
 
 /// The stream alone would need a stack of several times as much.
-TEST(ToFixedPrecision, AMillionDigits)
+TEST(ToFixedPrecision, TenMillionDigits)
 {
     EXPECT_EQ(KelInsString::ToFixedPrecision(-0.5, 10'000'000), "-0.5" + std::string(9'999'999, '0'));
     EXPECT_EQ(KelInsString::ToFixedPrecision(0.5, 1075), "0.5" + std::string(1074, '0'));
