@@ -26,5 +26,5 @@ done < <(x86_64-w64-mingw32-g++-posix -xc++ -E -v /dev/null -o /dev/null 2>&1 |
 mapfile -t library < <(printf '%s\n' "${sources[@]}" | grep '^KelInsInfra/.*\.cpp$')
 printf '%s\n' "${library[@]}" | xargs -P "$(nproc)" -n 4 \
     clang-tidy --quiet -p "$database" --extra-arg=--target=x86_64-w64-mingw32 --extra-arg=-nostdinc++ "${includes[@]}" \
-    --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-unused-command-line-argument 2> >(grep -vE 'warnings? (generated|treated)|^Suppressed|^Use -' >&2)
+    --extra-arg=-Wreserved-identifier --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-unused-command-line-argument 2> >(grep -vE 'warnings? (generated|treated)|^Suppressed|^Use -' >&2)
 echo "lint: ${#library[@]} sources clean"

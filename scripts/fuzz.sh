@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # fuzz.sh SECONDS: runs every fuzz target that is built in build/native-fuzz, from its seeds, with its dictionary, as many side
-# by side as there are processors: JSON for so long, XML for half of it, the smaller formats for a sixth.
+# by side as there are processors: JSON for so long, XML for a quarter of it, the smaller formats for a tenth.
 # New inputs are kept in build/fuzz/<target>, findings are build/fuzz/<target>-*.
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -19,8 +19,8 @@ for target in "${targets[@]}"; do
     mkdir -p "build/fuzz/$name"
     case $name in
         Json*) time=$seconds ;;
-        Xml*) time=$((seconds / 2 + 1)) ;;
-        *) time=$((seconds / 6 + 1)) ;;
+        Xml*) time=$((seconds / 4 + 1)) ;;
+        *) time=$((seconds / 10 + 1)) ;;
     esac
     options=(-max_total_time="$time" -timeout=25 -rss_limit_mb=4096 -print_final_stats=1
         -artifact_prefix="build/fuzz/$name-")

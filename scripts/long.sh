@@ -39,7 +39,7 @@ step scale in_wine scale_tests
 step versions scripts/test-on-versions.sh
 step coverage scripts/coverage.sh
 step build-fuzz build native-fuzz all
-step fuzz scripts/fuzz.sh "${KELINS_FUZZ_SECONDS:-225}" # ten minutes of processors in all
+step fuzz scripts/fuzz.sh "${KELINS_FUZZ_SECONDS:-300}" # ten minutes of processors in all
 step wine-stop scripts/wine-prefix.sh stop
 [ "${#failed[@]}" -eq 0 ] || { printf 'FAILED: %s\n' "${failed[*]}"; exit 1; }
 echo "Everything passed."

@@ -10,7 +10,7 @@ set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root" || exit 1
 
-fuzz_seconds=${KELINS_FUZZ_SECONDS:-60} # for JSON; XML gets half of it, the smaller formats a sixth
+fuzz_seconds=${KELINS_FUZZ_SECONDS:-60} # for JSON; XML gets a quarter of it, the smaller formats a tenth
 case ${1:-} in
     --no-fuzz) fuzz_seconds=0 ;;
     -h | --help) sed -n '2,9s/^# \?//p' "${BASH_SOURCE[0]}"; exit 0 ;;
