@@ -17,7 +17,7 @@ const Value& NextChild(Frame& frame, Builder& builder)
     const std::size_t index = frame.next++;
     if (frame.source->IsArray())
         return *static_cast<const Array&>(*frame.source).Elements()[index];
-    const auto& [key, value] = *static_cast<const Object&>(*frame.source).Order()[index];
+    const auto& [key, value] = *static_cast<const Object&>(*frame.source).At(index);
     builder.Keys().Push(key);
     builder.Keys().UnescapeLast();
     return *value;

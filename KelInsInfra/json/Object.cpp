@@ -7,6 +7,7 @@
 #include <KelInsInfra/json/internal/TakeApart.h>
 #include <KelInsInfra/json/internal/Writer.h>
 #include <algorithm>
+#include <numeric>
 
 namespace JSON {
 namespace {
@@ -26,12 +27,13 @@ Object::Object() : Value(Type::Object) {}
 Object::~Object()
 {
     if (shallow_) {
-        for (const POSITION position : order_)
-            position->~Member();
+        while (size_ > 0)
+            DropLastChild();
     } else {
         DestroyChildren(*this);
     }
     MemberBlock::ReleaseAll(blocks_);
+    delete order_.load(std::memory_order_relaxed);
 }
 
 std::shared_ptr<Value> Object::Clone() const
@@ -46,7 +48,7 @@ void Object::Write(std::ostream& out) const
 
 std::uint64_t Object::GetSize() const
 {
-    return order_.size();
+    return size_;
 }
 
 void Object::WriteIndented(std::ostream& out, std::int32_t level) const
@@ -54,32 +56,41 @@ void Object::WriteIndented(std::ostream& out, std::int32_t level) const
     WriteTree(*this, Form::Indented, level, out);
 }
 
+const std::vector<POSITION>& Object::Order() const
+{
+    if (const std::vector<POSITION>* const order = order_.load(std::memory_order_acquire))
+        return *order;
+    auto order = std::make_unique<std::vector<POSITION>>(size_);
+    std::iota(order->begin(), order->end(), first_);
+    std::vector<POSITION>* present = nullptr; // another thread's, which has been quicker
+    if (order_.compare_exchange_strong(present, order.get(), std::memory_order_acq_rel))
+        present = order.release();
+    return *present;
+}
+
 void Object::Insert(std::string key, std::shared_ptr<Value> value)
 {
     UnescapeInPlace(key);
-    MakeRoomForOne();
+    auto& order = const_cast<std::vector<POSITION>&>(Order());
+    // Room first, so that a member is either inserted, or memory runs out before anything happens.
+    if (size_ == order.capacity())
+        order.reserve(std::max<std::size_t>(4, 2 * size_));
+    if (size_ >= kSearchedThrough)
+        MakeRoomInIndex();
     if (const POSITION position = Find(key)) {
-        order_.erase(std::find(order_.rbegin(), order_.rend(), position).base() - 1);
-        order_.push_back(position);
+        order.erase(std::find(order.rbegin(), order.rend(), position).base() - 1);
+        order.push_back(position);
         const_cast<Member*>(position)->second = std::move(value);
         shallow_ = false;
         return;
     }
     Pool pool;
     blocks_ = MemberBlock::Create(pool, 1, blocks_);
-    order_.push_back(new (blocks_->Begin()) Member(std::move(key), std::move(value)));
+    order.push_back(new (blocks_->Begin()) Member(std::move(key), std::move(value)));
+    ++size_;
     shallow_ = false;
     if (index_)
-        index_->Add(order_.back());
-}
-
-/// In order and index, so that a member is either inserted, or memory runs out before anything happens.
-void Object::MakeRoomForOne()
-{
-    if (order_.size() == order_.capacity())
-        order_.reserve(std::max<std::size_t>(4, 2 * order_.size()));
-    if (order_.size() >= kSearchedThrough)
-        MakeRoomInIndex();
+        index_->Add(order.back());
 }
 
 void Object::MakeRoomInIndex()
@@ -88,15 +99,14 @@ void Object::MakeRoomInIndex()
         index_->ReserveOneMore();
         return;
     }
-    auto index = std::make_unique<KeyIndex>(order_.size() + 1);
-    for (const POSITION position : order_)
-        index->Add(position);
+    auto index = std::make_unique<KeyIndex>(size_ + 1);
+    for (std::size_t i = 0; i < size_; ++i)
+        index->Add(At(i));
     index_ = std::move(index);
 }
 
 void Object::Fill(Pool& pool, KeyStack& keys, std::span<std::shared_ptr<Value>> values, bool shallow)
 {
-    order_.reserve(values.size());
     if (values.size() > kSearchedThrough)
         index_ = std::make_unique<KeyIndex>(values.size());
     blocks_ = MemberBlock::Create(pool, values.size(), blocks_);
@@ -114,30 +124,31 @@ void Object::Fill(Pool& pool, KeyStack& keys, std::span<std::shared_ptr<Value>> 
             member->~Member();
             continue;
         }
-        order_.push_back(member);
         first = member;
     }
-    std::reverse(order_.begin(), order_.end());
+    first_ = first;
+    size_ = static_cast<std::size_t>(end - first);
 }
 
 POSITION Object::Find(std::string_view key) const
 {
     if (index_)
         return index_->Find(key);
-    const auto found =
-        std::find_if(order_.begin(), order_.end(), [key](POSITION member) { return SameKey(member->first, key); });
-    return found != order_.end() ? *found : nullptr;
+    for (std::size_t i = 0; i < size_; ++i) {
+        if (const POSITION member = At(i); SameKey(member->first, key))
+            return member;
+    }
+    return nullptr;
 }
 
 std::shared_ptr<Value>* Object::LastChild() noexcept
 {
-    return order_.empty() ? nullptr : &const_cast<Member*>(order_.back())->second;
+    return size_ > 0 ? &const_cast<Member*>(At(size_ - 1))->second : nullptr;
 }
 
 void Object::DropLastChild() noexcept
 {
-    order_.back()->~Member();
-    order_.pop_back();
+    At(--size_)->~Member();
 }
 
 } // namespace JSON

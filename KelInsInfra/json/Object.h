@@ -1,6 +1,7 @@
 #pragma once
 
 #include <KelInsInfra/json/Value.h>
+#include <atomic>
 #include <span>
 #include <string_view>
 
@@ -39,7 +40,16 @@ public:
     /// Null where there is none.
     POSITION Find(std::string_view key) const;
 
-    const std::vector<POSITION>& Order() const { return order_; }
+    /// The member at a place below GetSize.
+    POSITION At(std::size_t place) const
+    {
+        const std::vector<POSITION>* const order = order_.load(std::memory_order_acquire);
+        return order != nullptr ? (*order)[place] : first_ + place;
+    }
+
+    /// All of them. Made when it is first asked for, on whatever thread, as most objects are only written or looked
+    /// into; it stays the same vector from then on.
+    const std::vector<POSITION>& Order() const;
 
     /// For taking a document apart: the last child's place, null where none is left.
     std::shared_ptr<Value>* LastChild() noexcept;
@@ -47,12 +57,13 @@ public:
     /// @endcond
 
 private:
-    void MakeRoomForOne();
     void MakeRoomInIndex();
 
     bool shallow_ = false;
-    std::vector<POSITION> order_;
-    MemberBlock* blocks_ = nullptr;   ///< the last one
+    std::size_t size_ = 0;
+    POSITION first_ = nullptr; ///< all members lie one after the other from here, as long as there is no order
+    mutable std::atomic<std::vector<POSITION>*> order_ = nullptr; ///< owned
+    MemberBlock* blocks_ = nullptr;                               ///< the last one
     std::unique_ptr<KeyIndex> index_; ///< only in objects of many members; the others are searched through
 };
 

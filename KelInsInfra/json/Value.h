@@ -104,7 +104,8 @@ public:
     /// The member under exactly this key (it is not unescaped); empty where there is none, and for any type but Object.
     KELINS_API std::shared_ptr<Value> GetObjectValue(const std::string& key) const;
 
-    /// The members in the order of their insertion; a key given again has moved to the end.
+    /// The members in the order of their insertion; a key given again has moved to the end. The first call for a
+    /// parsed object makes the vector.
     /// @throws std::runtime_error  "JSON::Value::GetObjectValues - Value is not an Object. Actual type: <type>"
     KELINS_API const std::vector<POSITION>& GetObjectValues() const;
 

@@ -18,10 +18,9 @@ private:
     /// A container that is being written.
     struct Frame
     {
-        const std::shared_ptr<Value>* nextElement; ///< of an array
-        const POSITION* nextMember;                ///< of an object; null for an array
-        std::size_t left;
-        bool first = true;
+        const Value& container;
+        std::size_t size;
+        std::size_t next = 0;
     };
 
     void Put(const Value& value);
@@ -42,12 +41,12 @@ void Writer::Run(const Value& value)
     Put(value);
     while (!frames_.empty() && !out_.HasFailed()) {
         Frame& frame = frames_.back();
-        if (frame.left > 0) {
+        if (frame.next < frame.size) {
             Put(NextChild(frame));
             continue;
         }
-        const bool empty = frame.first;
-        const bool object = frame.nextMember != nullptr;
+        const bool empty = frame.size == 0;
+        const bool object = frame.container.IsObject();
         frames_.pop_back();
         Close(empty, object);
     }
@@ -55,15 +54,9 @@ void Writer::Run(const Value& value)
 
 void Writer::Put(const Value& value)
 {
-    if (value.IsArray()) {
-        const auto& elements = static_cast<const Array&>(value).Elements();
-        out_.Put('[');
-        frames_.push_back({elements.data(), nullptr, elements.size()});
-    } else if (value.IsObject()) {
-        static constexpr POSITION kNone = nullptr;
-        const auto& members = static_cast<const Object&>(value).Order();
-        out_.Put('{');
-        frames_.push_back({nullptr, members.empty() ? &kNone : members.data(), members.size()});
+    if (value.IsArray() || value.IsObject()) {
+        out_.Put(value.IsArray() ? '[' : '{');
+        frames_.push_back({value, value.GetSize()});
     } else {
         PutItem(static_cast<const Item&>(value));
     }
@@ -118,17 +111,16 @@ void Writer::BreakLine()
 const Value& Writer::NextChild(Frame& frame)
 {
     const bool compact = form_ == Form::Compact;
-    if (!frame.first && compact)
+    const std::size_t place = frame.next++;
+    if (place > 0 && compact)
         out_.Put(", ");
-    else if (!frame.first)
+    else if (place > 0)
         out_.Put(',');
     if (!compact)
         BreakLine();
-    frame.first = false;
-    --frame.left;
-    if (frame.nextMember == nullptr)
-        return **frame.nextElement++;
-    const POSITION member = *frame.nextMember++;
+    if (frame.container.IsArray())
+        return *static_cast<const Array&>(frame.container).Elements()[place];
+    const POSITION member = static_cast<const Object&>(frame.container).At(place);
     PutString(member->first);
     out_.Put(": ");
     return *member->second;
