@@ -7,7 +7,6 @@ namespace JSON {
 
 Builder::Builder() : pool_(Pool::kFirstChunk)
 {
-    frames_.reserve(16);
     values_.reserve(64);
 }
 
@@ -25,7 +24,7 @@ void Builder::OpenObject()
 void Builder::MakeMoreRoom()
 {
     constexpr std::size_t kLong = 1024;
-    const Frame& frame = frames_.back();
+    const Frame& frame = frames_[0];
     const std::span values = std::span(values_).subspan(frame.firstValue);
     if (values.size() < kLong || !frame.container->IsArray()) {
         values_.reserve(2 * values_.size());
@@ -44,12 +43,12 @@ void Builder::Open(std::shared_ptr<Value> container)
         MakeRoom();
         values_.push_back(std::move(container));
     }
-    frames_.push_back({opened, values_.size(), 0});
+    frames_.push({opened, values_.size(), 0});
 }
 
 void Builder::Close()
 {
-    const Frame frame = frames_.back();
+    const Frame frame = frames_[0];
     const std::span values = std::span(values_).subspan(frame.firstValue);
     const bool shallow = frame.levels < kShallow;
     if (frame.container->IsArray())
@@ -57,9 +56,9 @@ void Builder::Close()
     else if (!values.empty())
         static_cast<Object*>(frame.container)->Fill(pool_, keys_, values, shallow);
     values_.resize(frame.firstValue);
-    frames_.pop_back();
+    frames_.pop();
     if (!frames_.empty())
-        frames_.back().levels = std::max(frames_.back().levels, frame.levels + 1);
+        frames_[0].levels = std::max(frames_[0].levels, frame.levels + 1);
 }
 
 } // namespace JSON

@@ -1,7 +1,7 @@
 #include <KelInsInfra/json/Driver.h>
 #include <KelInsInfra/json/internal/Parser.h>
 #include <KelInsInfra/json/internal/Parsing.h>
-#include <KelInsInfra/json/internal/Scanner.h>
+#include <KelInsInfra/json/internal/ScannerLease.h>
 #include <istream>
 #include <streambuf>
 #include <utility>
@@ -25,8 +25,9 @@ public:
 bool Driver::Parse(std::istream& in)
 {
     ResetParser();
-    Scanner scanner(in.rdbuf());
-    return Run(scanner);
+    const ScannerLease scanner;
+    scanner->Begin(in.rdbuf());
+    return Run(*scanner);
 }
 
 bool Driver::Parse(const std::string& text)
@@ -36,8 +37,9 @@ bool Driver::Parse(const std::string& text)
     const auto open = std::move(open_);
     ResetParser();
     TextBuffer buffer(text);
-    Scanner scanner(&buffer, text.size());
-    return Run(scanner);
+    const ScannerLease scanner;
+    scanner->Begin(&buffer, text.size());
+    return Run(*scanner);
 }
 
 /// Leaves the driver empty unless it succeeds.

@@ -27,7 +27,7 @@ foreach(name IN ITEMS Scanner.cpp Parser.cpp internal/Parser.h)
     file(READ ${WORK}/${name} text)
     string(REGEX REPLACE "[ \t]+\n" "\n" text "${text}") # no blanks at line ends in what is committed
     if(name STREQUAL internal/Parser.h)
-        replace_once(text "typedef stack<stack_symbol_type> stack_type;" "typedef ParserStack<stack_symbol_type> stack_type;")
+        replace_once(text "typedef stack<stack_symbol_type> stack_type;" "typedef InlineStack<stack_symbol_type, 200> stack_type;")
     endif()
     file(WRITE ${WORK}/${name} "${text}")
     if(NOT CHECK)

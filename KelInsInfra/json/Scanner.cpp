@@ -1825,8 +1825,8 @@ using Token = JSON::Parser::token;
 
 namespace {
 
-/* One for all scanners of the process: no two parses may run at once. A scanner leaves it without memory, and it is
- * never destroyed: a parse may come after what the process destroys at its end. */
+/* One for all scanners of the process: no two parses may run at once. A parse leaves it without memory, and it is never
+ * destroyed: a parse may come after what the process destroys at its end. */
 union StringBuffer
 {
     std::vector<char> bytes;
@@ -3033,43 +3033,55 @@ static int yy_flex_strlen (const char * s )
 #define YYTABLES_NAME "yytables"
 
 namespace JSON {
-namespace {
 
-struct FreeBuffer
+/* The classic locale, as the host's would be held for as long as there is a scanner. */
+Scanner::Scanner() : KelInsJSONFlexLexer(nullptr, nullptr)
 {
-    void operator()(yy_buffer_state* buffer) const
-    {
-        KelInsJSONfree(buffer->yy_ch_buf);
-        KelInsJSONfree(buffer);
-    }
-};
-
-}
-
-Scanner::Scanner(std::streambuf* source, std::size_t expectedSize) : KelInsJSONFlexLexer(nullptr, nullptr)
-{
-    yyin.rdbuf(source);
-    MakeBuffer(std::min(expectedSize, kLargestBuffer - 16) + 16);
+    Disconnect();
+    yyin.imbue(std::locale::classic());
+    yyout.imbue(std::locale::classic());
+    yy_buffer_stack = buffers_;
+    yy_buffer_stack_max = 1;
 }
 
 Scanner::~Scanner()
 {
-    std::vector<char>().swap(stringBuffer.bytes);
+    End();
+    yy_buffer_stack = nullptr; /* or flex would free it */
 }
 
 /* What flex would do at the first token, but nothing is lost when memory runs out in between. */
-void Scanner::MakeBuffer(std::size_t size)
+void Scanner::Begin(std::streambuf* source, std::size_t expectedSize)
 {
-    std::unique_ptr<yy_buffer_state, FreeBuffer> buffer(
-        new (KelInsJSONalloc(sizeof(yy_buffer_state))) yy_buffer_state());
+    static_assert(sizeof(yy_buffer_state) <= sizeof(buffer_));
+    yyin.rdbuf(source);
+    yyout.rdbuf(std::cout.rdbuf());
+    const std::size_t size = std::min(expectedSize, kLargestBuffer - 16) + 16;
+    auto* const buffer = new (buffer_) yy_buffer_state();
     buffer->yy_buf_size = static_cast<int>(size);
     buffer->yy_ch_buf = static_cast<char*>(KelInsJSONalloc(size + 2)); /* flex ends it with two zero bytes */
     buffer->yy_is_our_buffer = 1;
-    yy_init_buffer(buffer.get(), yyin);
-    yy_switch_to_buffer(buffer.get());
-    buffer.release(); /* only now: the call before allocates, before it takes the buffer */
+    yy_init_buffer(buffer, yyin);
+    buffers_[0] = buffer;
+    yy_load_buffer_state();
     yy_init = 1; /* or flex reads std::cin in place of a stream without a buffer */
     yy_start = 1;
+}
+
+void Scanner::End() noexcept
+{
+    if (buffers_[0] != nullptr)
+        KelInsJSONfree(buffers_[0]->yy_ch_buf);
+    buffers_[0] = nullptr;
+    Disconnect();
+    std::vector<char>().swap(string_);
+    std::vector<char>().swap(stringBuffer.bytes);
+}
+
+void Scanner::Disconnect() noexcept
+{
+    yyin.rdbuf(nullptr);
+    yyout.rdbuf(nullptr);
 }
 
 char* Scanner::EndOfBuffer() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <KelInsInfra/json/internal/InlineStack.h>
 #include <KelInsInfra/json/internal/KeyStack.h>
 #include <KelInsInfra/json/internal/Make.h>
 #include <cstddef>
@@ -16,7 +17,7 @@ public:
     /// Whether there is a container to put things into, and whether that is an object.
     bool IsOpen() const { return !frames_.empty(); }
 
-    bool InObject() const { return frames_.back().container->IsObject(); }
+    bool InObject() const { return frames_[0].container->IsObject(); }
 
     /// On top of these comes the key of the next value, unescaped: in an object only, where each value needs one.
     KeyStack& Keys() { return keys_; }
@@ -57,7 +58,7 @@ private:
 
     Pool pool_;
     std::shared_ptr<Value> root_;
-    std::vector<Frame> frames_;
+    InlineStack<Frame, 16> frames_;
     std::vector<std::shared_ptr<Value>> values_;
     KeyStack keys_;
 };

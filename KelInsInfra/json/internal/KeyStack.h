@@ -2,11 +2,12 @@
 
 #include <KelInsInfra/json/internal/ByteRuns.h>
 #include <KelInsInfra/json/internal/Escapes.h>
+#include <KelInsInfra/json/internal/InlineStack.h>
 #include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 namespace JSON {
 
@@ -15,47 +16,53 @@ namespace JSON {
 class KeyStack
 {
 public:
-    KeyStack() { sizes_.reserve(32); }
+    KeyStack() = default;
+    KeyStack(const KeyStack&) = delete;
+    KeyStack& operator=(const KeyStack&) = delete;
 
     void Push(std::string_view key)
     {
-        if (capacity_ - used_ < key.size())
+        if (static_cast<std::size_t>(end_ - next_) < key.size())
             Grow(key.size());
-        sizes_.push_back(key.size());
-        CopyBytes(bytes_.get() + used_, key);
-        used_ += key.size();
+        sizes_.push(key.size());
+        CopyBytes(next_, key);
+        next_ += key.size();
     }
 
-    std::string_view Last() const { return {bytes_.get() + used_ - sizes_.back(), sizes_.back()}; }
+    std::string_view Last() const { return {next_ - sizes_[0], sizes_[0]}; }
 
     void UnescapeLast()
     {
-        char* const begin = bytes_.get() + used_ - sizes_.back();
-        char* const end = Unescape(Last(), begin);
-        used_ = static_cast<std::size_t>(end - bytes_.get());
-        sizes_.back() = static_cast<std::size_t>(end - begin);
+        char* const begin = next_ - sizes_[0];
+        next_ = Unescape(Last(), begin);
+        sizes_[0] = static_cast<std::size_t>(next_ - begin);
     }
 
     void DropLast() noexcept
     {
-        used_ -= sizes_.back();
-        sizes_.pop_back();
+        next_ -= sizes_[0];
+        sizes_.pop();
     }
 
 private:
-    void Grow(std::size_t size)
+    [[gnu::noinline]] void Grow(std::size_t size) // seldom needed
     {
-        const std::size_t capacity = std::max<std::size_t>(512, 2 * (used_ + size));
+        const auto used = static_cast<std::size_t>(next_ - begin_);
+        const std::size_t capacity = 2 * (used + size);
         auto bytes = std::make_unique_for_overwrite<char[]>(capacity);
-        std::copy_n(bytes_.get(), used_, bytes.get());
-        bytes_ = std::move(bytes);
-        capacity_ = capacity;
+        std::copy_n(begin_, used, bytes.get());
+        begin_ = bytes.get();
+        next_ = begin_ + used;
+        end_ = begin_ + capacity;
+        grown_ = std::move(bytes);
     }
 
-    std::unique_ptr<char[]> bytes_;
-    std::size_t used_ = 0;
-    std::size_t capacity_ = 0;
-    std::vector<std::size_t> sizes_;
+    char first_[512];
+    std::unique_ptr<char[]> grown_; ///< once those do not suffice
+    char* begin_ = first_;
+    char* next_ = first_;
+    char* end_ = first_ + sizeof(first_);
+    InlineStack<std::size_t, 32> sizes_;
 };
 
 } // namespace JSON

@@ -71,7 +71,7 @@ public:
 
 private:
     /// Whether a container can go to where the next value goes. In an object it takes the pending key.
-    bool MakeKey()
+    [[gnu::always_inline]] bool MakeKey() // gcc 12 finds it too long
     {
         if (!builder_.IsOpen() || !builder_.InObject()) {
             PutKeyBack();

@@ -6,13 +6,15 @@
 #include <FlexLexer.h>
 #undef yyFlexLexer
 #endif
+#include <cstddef>
 #include <streambuf>
 #include <string_view>
 #include <vector>
 
 namespace JSON {
 
-/// Makes tokens of JSON text. Bytes that fit no token are echoed to std::cout.
+/// Makes tokens of JSON text. Bytes that fit no token are echoed to std::cout. A scanner serves one text after the
+/// other.
 class Scanner final : public KelInsJSONFlexLexer
 {
 public:
@@ -23,12 +25,18 @@ public:
         bool hasEscapes = false; ///< may hold backslashes, which are as written
     };
 
-    /// @param source  may be null: that is no text.
-    /// @param expectedSize  of the text, where it is known.
-    explicit Scanner(std::streambuf* source, std::size_t expectedSize = kLargestBuffer);
+    Scanner();
     ~Scanner() override;
     Scanner(const Scanner&) = delete;
     Scanner& operator=(const Scanner&) = delete;
+
+    /// Goes to the beginning of a text. End must follow, also where this throws.
+    /// @param source  may be null: that is no text.
+    /// @param expectedSize  of the text, where it is known.
+    void Begin(std::streambuf* source, std::size_t expectedSize = kLargestBuffer);
+
+    /// Lets go of the text and of all memory.
+    void End() noexcept;
 
     /// The next token's number, 0 at the end of input.
     int Next();
@@ -45,7 +53,7 @@ private:
     void LexerOutput(const char* text, int size) override;
     [[noreturn]] void LexerError(const char* message) override;
 
-    void MakeBuffer(std::size_t size);
+    void Disconnect() noexcept;
     char* EndOfBuffer() const;
     inline void GoOnAt(char* next);
     int TakeByRules();
@@ -53,6 +61,8 @@ private:
     bool TakeString();
     bool TakeNumber();
 
+    yy_buffer_state* buffers_[1] = {};         ///< flex's stack of them
+    alignas(void*) std::byte buffer_[80] = {}; ///< where the one in it lies
     std::vector<char> string_;
     Text text_;
 };
