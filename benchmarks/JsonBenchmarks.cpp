@@ -61,7 +61,18 @@ void RegisterWriting(const std::string& name, const std::string& text)
     });
 }
 
+/// That long strings take no longer for each byte than others.
+void RegisterLongString()
+{
+    const std::string half(4U << 20U, 'x');
+    const std::string name = "JSON parse of a string of 8 MiB";
+    for (const auto& [contestant, text] : {std::pair("KelInsInfra", "[\"" + half + half + "\"]"),
+                                           std::pair("two of 4 MiB", "[\"" + half + "\",\"" + half + "\"]")})
+        Register(name + "/" + contestant, text.size(), [text = text] { return JSON::Driver().Parse(text); });
+}
+
 const bool kRegistered = [] {
+    RegisterLongString();
     for (const std::string name : {"twitter", "citm_catalog", "canada", "config"}) {
         const std::string text = ReadFile(std::string(KELINS_BENCHMARK_DATA) + "/json/" + name + ".json");
         if (text.empty())

@@ -124,10 +124,9 @@ void Object::Fill(Pool& pool, KeyStack& keys, std::span<std::shared_ptr<Value>> 
             member->~Member();
             continue;
         }
-        first = member;
+        first_ = first = member; // at once: memory may run out for the next
+        ++size_;
     }
-    first_ = first;
-    size_ = static_cast<std::size_t>(end - first);
 }
 
 POSITION Object::Find(std::string_view key) const

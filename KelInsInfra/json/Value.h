@@ -104,9 +104,10 @@ public:
     /// The member under exactly this key (it is not unescaped); empty where there is none, and for any type but Object.
     KELINS_API std::shared_ptr<Value> GetObjectValue(const std::string& key) const;
 
-    /// The members in the order of their insertion; a key given again has moved to the end. The first call for a
-    /// parsed object makes the vector.
+    /// The members in the order of their insertion; a key given again has moved to the end. The vector is made
+    /// by the first call; it stays the same one.
     /// @throws std::runtime_error  "JSON::Value::GetObjectValues - Value is not an Object. Actual type: <type>"
+    /// @throws std::bad_alloc      when memory runs out for the vector.
     KELINS_API const std::vector<POSITION>& GetObjectValues() const;
 
     /// The text of a string, or of a number as it was written ("1.0E+2" stays so); empty for any other type.

@@ -189,6 +189,31 @@ TEST(JsonMemory, WritingAndCloning)
     EXPECT_EQ(blocks, before);
 }
 
+TEST(JsonMemory, FirstQuestionForThePositions)
+{
+    Driver driver;
+    ASSERT_TRUE(driver.Parse(Text()));
+    const std::vector<JSON::POSITION>* positions = nullptr;
+    WithEveryFailure([&] { positions = &driver.GetValue()->GetObjectValues(); },
+                     [&] { EXPECT_EQ(driver.GetValue()->GetSize(), 44U); });
+    EXPECT_EQ(positions->size(), 44U);
+    EXPECT_EQ(positions, &driver.GetValue()->GetObjectValues());
+}
+
+TEST(JsonMemory, AddingToAParsedObjectEitherWorksOrChangesNothing)
+{
+    for (const std::string text : {R"({"a":1})", R"({"a":1,"b":2})"}) {
+        Driver driver;
+        ASSERT_TRUE(driver.Parse(text));
+        const std::string before = driver.GetJSON();
+        const auto value = Driver::CreateNull();
+        bool added = false;
+        WithEveryFailure([&] { added = driver.AddToObject("a key that needs memory", value); },
+                         [&] { EXPECT_TRUE(added || driver.GetJSON() == before); });
+        EXPECT_EQ(driver.GetValue()->GetObjectValues().back()->second, value);
+    }
+}
+
 TEST(JsonMemory, AddingEitherWorksOrChangesNothing)
 {
     for (const bool repeated : {false, true}) {

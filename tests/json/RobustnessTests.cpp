@@ -2,6 +2,7 @@
 #include <fuzz/JsonModel.h>
 #include <gtest/gtest.h>
 #include <iostream>
+#include <latch>
 #include <locale>
 #include <sstream>
 #include <streambuf>
@@ -167,6 +168,27 @@ TEST(JsonRelease, OnSeveralThreads)
     std::thread second([&] { release(others); });
     first.join();
     second.join();
+}
+
+TEST(JsonPositions, FirstAskedForByManyThreads)
+{
+    Driver driver;
+    ASSERT_TRUE(driver.Parse(R"({"a":1,"b":{"c":2},"d":3})"));
+    const Pointer root = driver.GetValue();
+    std::vector<const std::vector<JSON::POSITION>*> seen(16);
+    std::latch start(16);
+    std::vector<std::thread> threads;
+    for (auto& positions : seen)
+        threads.emplace_back([&] {
+            start.arrive_and_wait();
+            positions = &root->GetObjectValues();
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const auto* positions : seen)
+        EXPECT_EQ(positions, seen.front());
+    ASSERT_EQ(seen.front()->size(), 3U);
+    EXPECT_EQ((*seen.front())[1]->first, "b");
 }
 
 /// One thread releases the document, the other a container out of its middle.
@@ -422,6 +444,29 @@ TEST(JsonStream, ThatGivesOneByteAtATime)
         EXPECT_TRUE(driver.Parse(in));
         EXPECT_EQ(driver.GetJSON(), R"([{"key": "value\n"}, 12345, true, "another"])");
     }
+}
+
+/// Not allowed, as the two share the buffer of strings; but nothing else.
+TEST(JsonStream, ThatParsesByItself)
+{
+    class Nested : public std::streambuf
+    {
+        std::streamsize xsgetn(char* out, std::streamsize) override
+        {
+            EXPECT_TRUE(inner_.Parse(R"({"inner":["x"]})"));
+            return static_cast<std::streamsize>(std::string_view(R"(["outer",1])").copy(out, 20));
+        }
+
+        Driver inner_;
+    };
+
+    Nested buffer;
+    std::istream in(&buffer);
+    Driver driver;
+    EXPECT_TRUE(driver.Parse(in));
+    EXPECT_EQ(driver.GetJSON(), R"(["outer", 1])");
+    EXPECT_TRUE(driver.Parse("[2]"));
+    EXPECT_EQ(driver.GetJSON(), "[2]");
 }
 
 TEST(JsonStream, WithoutABuffer)

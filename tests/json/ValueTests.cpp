@@ -251,6 +251,45 @@ TEST(JsonValue, PositionsStayValidWhileMembersAreAdded)
     EXPECT_EQ(first->second->GetInteger(), 2);
 }
 
+/// Parsed members lie in order without a vector; it must not matter when one is first asked for.
+TEST(JsonValue, PositionsOfAParsedObject)
+{
+    for (const bool early : {true, false}) {
+        for (const int members : {1, 5, 40}) {
+            std::string text = R"({"again":0,"kept":1)";
+            for (int i = 0; i < members; ++i)
+                text.append(",\"k").append(std::to_string(i)).append("\":[]");
+            Driver driver;
+            ASSERT_TRUE(driver.Parse(text + R"(,"again":2})"));
+            const auto root = driver.GetValue();
+            const auto* const order = early ? &root->GetObjectValues() : nullptr;
+            const JSON::POSITION kept = early ? order->front() : nullptr;
+            EXPECT_EQ(root->GetSize(), static_cast<std::uint64_t>(members) + 2);
+            EXPECT_TRUE(driver.AddToObject("new", Driver::CreateNumber("3")));
+            EXPECT_TRUE(driver.AddToObject("again", Driver::CreateNumber("4")));
+
+            std::string keys;
+            for (const JSON::POSITION position : root->GetObjectValues())
+                keys += position->first + " ";
+            EXPECT_TRUE(keys.starts_with("kept k0 ")) << keys;
+            EXPECT_TRUE(keys.ends_with("new again ")) << keys;
+            EXPECT_EQ(root->GetSize(), static_cast<std::uint64_t>(members) + 3);
+            EXPECT_EQ(root->GetObjectValue("again")->GetInteger(), 4);
+            if (early) {
+                EXPECT_EQ(order, &root->GetObjectValues());
+                EXPECT_EQ(kept, order->front());
+                EXPECT_EQ(kept->second->GetInteger(), 1);
+            }
+        }
+    }
+}
+
+TEST(JsonValue, PositionsOfAnEmptyObject)
+{
+    EXPECT_TRUE(Parsed("{}")->GetObjectValues().empty());
+    EXPECT_TRUE(Driver::CreateObject()->GetObjectValues().empty());
+}
+
 TEST(JsonValue, ValuesOutliveTheirDocument)
 {
     Pointer inner = Parsed(R"({"a":{"b":["kept long enough to need memory of its own"]}})")->GetObjectValue("a");
