@@ -121,7 +121,7 @@ std::optional<std::string_view> KeySearch::Examine(std::string_view line)
     return insideSection_ ? ExtractValue(line, key_) : std::nullopt;
 }
 
-std::string AssignKey(std::string_view content, const KeyAssignment& assignment)
+std::string AssignKey(std::string content, const KeyAssignment& assignment)
 {
     std::string_view rest = content;
     std::string newLines;
@@ -133,6 +133,10 @@ std::string AssignKey(std::string_view content, const KeyAssignment& assignment)
     if (assignment.shellExport && !place.oldValue)
         newLines.append(ExportLine(assignment.key)).append("\r\n");
 
+    if (KelInsIO::IsEachLineEndCrLf(content)) {
+        content.replace(place.before.size(), content.size() - place.before.size() - place.after.size(), newLines);
+        return content;
+    }
     std::string text;
     text.reserve(content.size() + KelInsIO::CountLoneLineFeeds(content) + 2 + newLines.size());
     KelInsIO::AppendLines(text, place.before);

@@ -1,16 +1,16 @@
 #include <KelInsInfra/foundation/internal/ByteSearch.h>
 #include <KelInsInfra/io/internal/LineReplacement.h>
 #include <KelInsInfra/io/internal/TextLines.h>
+#include <algorithm>
 
 namespace KelInsIO {
 namespace {
 
-/// Whether a line holds the text just there, which must not be empty. The carriage return before a line feed belongs to
-/// no line, the line feed neither.
-bool IsInLine(std::string_view rest, std::string_view text)
+/// Whether a line holds the text just there. The carriage return before a line feed belongs to no line.
+bool IsInLine(const char* next, const char* end, const std::string& text)
 {
-    return rest.starts_with(text) && !(text.ends_with('\r') && rest.substr(text.size()).starts_with('\n')) &&
-           text.find('\n') == std::string_view::npos;
+    const auto [differing, behind] = std::mismatch(text.begin(), text.end(), next, end); // no call, as a match is short
+    return differing == text.end() && !(text.back() == '\r' && behind != end && *behind == '\n');
 }
 
 } // namespace
@@ -22,13 +22,14 @@ LineReplacement ReplaceInEachLine(std::string_view content, const std::string& f
         content.remove_suffix(1);
     content = WithoutCarriageReturn(content);
     result.text.reserve(content.size() + CountLoneLineFeeds(content));
+    const bool mayBeInLine = from.find('\n') == std::string::npos;
     const char* const end = content.data() + content.size();
     const char* kept = content.data(); // what stays as it is, and is not copied yet, begins here
     const char* next = kept;
     while ((next = KelInsString::FindByte(next, end, '\n', from.front())) != end) {
         std::string_view replacement = to;
         std::size_t replaced = from.size();
-        if (IsInLine({next, end}, from)) {
+        if (mayBeInLine && IsInLine(next, end, from)) {
             ++result.count;
         } else if (IsLoneLineFeed(content, next)) {
             replacement = "\r\n";

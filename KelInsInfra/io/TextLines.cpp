@@ -16,6 +16,11 @@ const char* FindLoneLineFeed(std::string_view text, const char* next)
 
 } // namespace
 
+bool IsEachLineEndCrLf(std::string_view text)
+{
+    return (text.empty() || text.ends_with('\n')) && FindLoneLineFeed(text, text.data()) == text.data() + text.size();
+}
+
 std::size_t CountLoneLineFeeds(std::string_view text)
 {
     std::size_t count = 0;

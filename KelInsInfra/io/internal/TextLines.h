@@ -34,6 +34,9 @@ inline bool IsLoneLineFeed(std::string_view text, const char* byte)
     return *byte == '\n' && (byte == text.data() || byte[-1] != '\r');
 }
 
+/// Whether a text is lines with CR LF after each.
+bool IsEachLineEndCrLf(std::string_view text);
+
 /// How many bytes longer a text becomes when each of its line feeds gets a carriage return before it.
 std::size_t CountLoneLineFeeds(std::string_view text);
 
