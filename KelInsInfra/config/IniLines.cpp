@@ -137,12 +137,11 @@ std::string AssignKey(std::string content, const KeyAssignment& assignment)
         content.replace(place.before.size(), content.size() - place.before.size() - place.after.size(), newLines);
         return content;
     }
-    std::string text;
-    text.reserve(content.size() + KelInsIO::CountLoneLineFeeds(content) + 2 + newLines.size());
+    KelInsIO::TextBuilder text(content.size() + newLines.size());
     KelInsIO::AppendLines(text, place.before);
-    text += newLines;
+    text.Append(newLines);
     KelInsIO::AppendLines(text, place.after);
-    return text;
+    return text.Take();
 }
 
 } // namespace KelInsIniFile

@@ -1,4 +1,3 @@
-#include <KelInsInfra/foundation/internal/ByteSearch.h>
 #include <KelInsInfra/io/internal/LineReplacement.h>
 #include <KelInsInfra/io/internal/TextLines.h>
 #include <algorithm>
@@ -17,32 +16,31 @@ bool IsInLine(const char* next, const char* end, const std::string& text)
 
 LineReplacement ReplaceInEachLine(std::string_view content, const std::string& from, const std::string& to)
 {
-    LineReplacement result;
     if (content.ends_with('\n'))
         content.remove_suffix(1);
     content = WithoutCarriageReturn(content);
-    result.text.reserve(content.size() + CountLoneLineFeeds(content));
+    TextBuilder text(content.size());
+    std::int32_t count = 0;
     const bool mayBeInLine = from.find('\n') == std::string::npos;
     const char* const end = content.data() + content.size();
     const char* kept = content.data(); // what stays as it is, and is not copied yet, begins here
     const char* next = kept;
     while ((next = KelInsString::FindByte(next, end, '\n', from.front())) != end) {
-        std::string_view replacement = to;
-        std::size_t replaced = from.size();
         if (mayBeInLine && IsInLine(next, end, from)) {
-            ++result.count;
+            text.Append({kept, next});
+            text.Append(to);
+            kept = next += from.size();
+            ++count;
         } else if (IsLoneLineFeed(content, next)) {
-            replacement = "\r\n";
-            replaced = 1;
+            text.Append({kept, next});
+            text.Append("\r\n");
+            kept = ++next;
         } else {
             ++next;
-            continue;
         }
-        result.text.append(kept, next).append(replacement);
-        kept = next += replaced;
     }
-    result.text.append(kept, end);
-    return result;
+    text.Append({kept, end});
+    return {text.Take(), count};
 }
 
 } // namespace KelInsIO

@@ -21,24 +21,17 @@ bool IsEachLineEndCrLf(std::string_view text)
     return (text.empty() || text.ends_with('\n')) && FindLoneLineFeed(text, text.data()) == text.data() + text.size();
 }
 
-std::size_t CountLoneLineFeeds(std::string_view text)
-{
-    std::size_t count = 0;
-    const char* const end = text.data() + text.size();
-    for (const char* next = text.data(); (next = FindLoneLineFeed(text, next)) != end; ++next)
-        ++count;
-    return count;
-}
-
-void AppendLines(std::string& text, std::string_view lines)
+void AppendLines(TextBuilder& text, std::string_view lines)
 {
     const char* const end = lines.data() + lines.size();
-    const char* copied = lines.data();
-    for (const char* next = copied; (next = FindLoneLineFeed(lines, next)) != end; copied = ++next)
-        text.append(copied, next).append("\r\n");
-    text.append(copied, end);
+    const char* kept = lines.data();
+    for (const char* next = kept; (next = FindLoneLineFeed(lines, next)) != end; kept = ++next) {
+        text.Append({kept, next});
+        text.Append("\r\n");
+    }
+    text.Append({kept, end});
     if (!lines.empty() && !lines.ends_with('\n'))
-        text.append(lines.ends_with('\r') ? "\n" : "\r\n");
+        text.Append(lines.ends_with('\r') ? "\n" : "\r\n");
 }
 
 } // namespace KelInsIO

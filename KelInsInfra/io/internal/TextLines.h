@@ -1,6 +1,7 @@
 #pragma once
 
-#include <KelInsInfra/foundation/internal/ByteSearch.h>
+#include <KelInsInfra/foundation/internal/Bytes.h>
+#include <KelInsInfra/io/internal/TextBuilder.h>
 #include <istream>
 #include <memory>
 #include <optional>
@@ -37,11 +38,8 @@ inline bool IsLoneLineFeed(std::string_view text, const char* byte)
 /// Whether a text is lines with CR LF after each.
 bool IsEachLineEndCrLf(std::string_view text);
 
-/// How many bytes longer a text becomes when each of its line feeds gets a carriage return before it.
-std::size_t CountLoneLineFeeds(std::string_view text);
-
 /// Adds lines to a text, CR LF after each, also after a last one that has no line end.
-void AppendLines(std::string& text, std::string_view lines);
+void AppendLines(TextBuilder& text, std::string_view lines);
 
 /// Gives the lines of a stream one by one, cut as GetLine cuts them, but reads the stream in blocks: it takes more from
 /// it than the lines it gave.
