@@ -1,12 +1,12 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstring>
 #include <emmintrin.h>
 #include <string_view>
 
-// For texts of few bytes, many times over: without a call, of which the C runtime's memchr and memcpy may make many times
-// as much.
+// Work on a few bytes without a call: the C runtime's memchr and memcpy may take many times as long.
 
 namespace KelInsString {
 
