@@ -1,28 +1,18 @@
 #include <KelInsInfra/config/internal/IniLines.h>
 #include <KelInsInfra/io/internal/TextLines.h>
-#include <algorithm>
 #include <stdexcept>
-#include <vector>
 
 namespace KelInsIniFile {
 namespace {
 
-using Lines = std::vector<std::string_view>;
-
-/// Where the assignment takes effect: at a line that assigns the key already, or before a line.
+/// What the assignment leaves as it is, and the value of the line between the two, when they are not one behind the
+/// other.
 struct Place
 {
-    std::size_t index;
+    std::string_view before;
+    std::string_view after;
     std::optional<std::string_view> oldValue;
 };
-
-Lines SplitLines(std::string_view content)
-{
-    Lines lines;
-    while (!content.empty())
-        lines.push_back(KelInsIO::TakeLine(content));
-    return lines;
-}
 
 bool IsBlank(char c)
 {
@@ -40,39 +30,42 @@ std::string ExportLine(std::string_view key)
                              ExportLine(assignment.key) + '"' + place);
 }
 
-void CheckExportFollows(const Lines& lines, std::size_t index, const KeyAssignment& assignment)
+void CheckExportFollows(std::string_view line, std::string_view rest, const KeyAssignment& assignment)
 {
-    if (index + 1 == lines.size())
+    if (rest.empty())
         FailMissingExport(assignment, " at the end.");
-    if (lines[index + 1] != ExportLine(assignment.key))
-        FailMissingExport(assignment, " after line\n" + std::string(lines[index]));
+    if (KelInsIO::TakeLine(rest) != ExportLine(assignment.key))
+        FailMissingExport(assignment, " after line\n" + std::string(line));
 }
 
-/// Index of the first line of the section; nothing when there is no such section.
-std::optional<std::size_t> FindSectionBegin(const Lines& lines, const KeyAssignment& assignment)
+/// Takes all lines off up to the first header of the section.
+/// @return false when there is no such section.
+bool EnterSection(std::string_view& rest, const KeyAssignment& assignment)
 {
     if (assignment.shellExport || assignment.section.empty())
-        return 0;
-    const auto header = std::find_if(lines.begin(), lines.end(), [&assignment](std::string_view line) {
-        return ExtractSectionName(line) == assignment.section;
-    });
-    if (header == lines.end())
-        return {};
-    return static_cast<std::size_t>(header - lines.begin()) + 1;
+        return true;
+    while (!rest.empty())
+        if (ExtractSectionName(KelInsIO::TakeLine(rest)) == assignment.section)
+            return true;
+    return false;
 }
 
-Place FindPlace(const Lines& lines, std::size_t begin, const KeyAssignment& assignment)
+/// @param rest  of the content: where the search begins.
+Place FindPlace(std::string_view content, std::string_view rest, const KeyAssignment& assignment)
 {
-    for (std::size_t i = begin; i < lines.size(); ++i) {
-        if (!assignment.shellExport && !ExtractSectionName(lines[i]).empty())
-            return {i, {}};
-        if (const auto oldValue = ExtractValue(lines[i], assignment.key)) {
+    while (!rest.empty()) {
+        const std::string_view after = rest;
+        const std::string_view before = content.substr(0, content.size() - after.size());
+        const std::string_view line = KelInsIO::TakeLine(rest);
+        if (!assignment.shellExport && !ExtractSectionName(line).empty())
+            return {before, after, {}};
+        if (const auto oldValue = ExtractValue(line, assignment.key)) {
             if (assignment.shellExport)
-                CheckExportFollows(lines, i, assignment);
-            return {i, oldValue};
+                CheckExportFollows(line, rest, assignment);
+            return {before, rest, oldValue};
         }
     }
-    return {lines.size(), {}};
+    return {content, {}, {}};
 }
 
 /// Two values one after the other; the separator between them only where both are there and neither brings it.
@@ -95,15 +88,6 @@ std::string NewValue(std::string_view oldValue, const KeyAssignment& assignment)
     default: // any other number: kept for callers that pass one
         return std::string(assignment.value);
     }
-}
-
-std::string JoinLines(const Lines& lines, std::size_t contentSize)
-{
-    std::string text;
-    text.reserve(contentSize + 2 * lines.size());
-    for (const std::string_view line : lines)
-        text.append(line).append("\r\n");
-    return text;
 }
 
 } // namespace
@@ -137,26 +121,27 @@ std::optional<std::string_view> KeySearch::Examine(std::string_view line)
     return insideSection_ ? ExtractValue(line, key_) : std::nullopt;
 }
 
-std::string AssignKey(std::string_view content, const KeyAssignment& assignment)
+std::string AssignKey(std::string content, const KeyAssignment& assignment)
 {
-    Lines lines = SplitLines(content);
-    const std::string header = '[' + std::string(assignment.section) + ']';
-    const std::string exportLine = ExportLine(assignment.key);
-    std::string line = std::string(assignment.key) + '=';
-    const std::optional<std::size_t> begin = FindSectionBegin(lines, assignment);
-    if (!begin)
-        lines.push_back(header);
-    const Place place = FindPlace(lines, begin.value_or(lines.size()), assignment);
-    const auto position = lines.begin() + static_cast<std::ptrdiff_t>(place.index);
-    if (place.oldValue) {
-        *position = line += NewValue(*place.oldValue, assignment);
-    } else {
-        line += assignment.value;
-        const auto inserted = lines.insert(position, line);
-        if (assignment.shellExport)
-            lines.insert(inserted + 1, exportLine);
+    std::string_view rest = content;
+    std::string newLines;
+    if (!EnterSection(rest, assignment))
+        newLines.append("[").append(assignment.section).append("]\r\n");
+    const Place place = FindPlace(content, rest, assignment);
+    newLines.append(assignment.key).append("=");
+    newLines.append(place.oldValue ? NewValue(*place.oldValue, assignment) : assignment.value).append("\r\n");
+    if (assignment.shellExport && !place.oldValue)
+        newLines.append(ExportLine(assignment.key)).append("\r\n");
+
+    if (KelInsIO::IsEachLineEndCrLf(content)) {
+        content.replace(place.before.size(), content.size() - place.before.size() - place.after.size(), newLines);
+        return content;
     }
-    return JoinLines(lines, content.size() + header.size() + line.size() + exportLine.size());
+    KelInsIO::TextBuilder text(content.size() + newLines.size());
+    KelInsIO::AppendLines(text, place.before);
+    text.Append(newLines);
+    KelInsIO::AppendLines(text, place.after);
+    return text.Take();
 }
 
 } // namespace KelInsIniFile

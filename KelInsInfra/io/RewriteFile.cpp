@@ -11,6 +11,7 @@ namespace KelInsIO {
 namespace {
 
 constexpr std::size_t kBlockSize = 65536;
+constexpr std::size_t kRoomForALine = 4096; // an edited content that grows by it need not be copied
 
 [[noreturn]] void Fail(const MessageFrame& frame, const std::string& text)
 {
@@ -90,12 +91,14 @@ std::string ReadForRewriting(std::istream& file, const std::string& name, const 
     const std::optional<std::size_t> size = SizeOf(*file.rdbuf());
     if (!size)
         Fail(frame, "Failed to read " + name);
-    std::string content(*size + 1, '\0'); // one more than there is: the end is met without growing
+    std::string content;
+    content.reserve(*size + kRoomForALine);
     std::size_t filled = 0;
     while (file.good()) {
-        if (filled == content.size())
-            content.resize(filled + kBlockSize);
-        file.read(content.data() + filled, static_cast<std::streamsize>(std::min(kBlockSize, content.size() - filled)));
+        // One byte more than there is: the end is met without growing.
+        const std::size_t wanted = filled <= *size ? std::min(kBlockSize, *size + 1 - filled) : kBlockSize;
+        content.resize(filled + wanted); // block by block: its bytes are still in the cache when it is read
+        file.read(content.data() + filled, static_cast<std::streamsize>(wanted));
         filled += static_cast<std::size_t>(file.gcount());
     }
     content.resize(filled);

@@ -47,12 +47,14 @@ std::optional<std::string_view> LineReader::Next()
     pieces_.clear();
     do {
         const std::string_view rest(block_.get() + begin_, end_ - begin_);
-        const std::size_t size = rest.find('\n');
-        if (size != std::string_view::npos) {
-            begin_ += size + 1;
+        const char* const end = block_.get() + end_;
+        const char* const feed = KelInsString::FindByte(rest.data(), end, '\n');
+        if (feed != end) {
+            const std::string_view line(rest.data(), feed);
+            begin_ += line.size() + 1;
             if (pieces_.empty())
-                return WithoutCarriageReturn(rest.substr(0, size));
-            return WithoutCarriageReturn(pieces_.append(rest, 0, size));
+                return WithoutCarriageReturn(line);
+            return WithoutCarriageReturn(pieces_.append(line));
         }
         pieces_.append(rest);
     } while (ReadBlock());

@@ -263,6 +263,9 @@ const AssignCase kSectionCases[] = {
     {"LfBecomesCrLf", "; a\n\n[S]\nK=1\n", "S", "K", "; a\r\n\r\n[S]\r\nK=v\r\n"},
     {"CrCrLfKeepsOne", "[S]\r\nA=1\r\r\n", "S", "K", "[S]\r\nA=1\r\r\nK=v\r\n"},
     {"InnerCarriageReturnStays", "A=\r1\n", "", "K", "A=\r1\r\nK=v\r\n"},
+    {"NewSectionAfterALineWithoutLineEnd", "A=1", "S", "K", "A=1\r\n[S]\r\nK=v\r\n"},
+    {"NewSectionAfterACarriageReturn", "A=1\r\nB=2\r", "S", "K", "A=1\r\nB=2\r\n[S]\r\nK=v\r\n"},
+    {"ReplacesTheLastLineWithoutLineEnd", "A=1\r\nK=1", "", "K", "A=1\r\nK=v\r\n"},
     {"FinalEmptyLineStays", "A=1\n\n", "", "K", "A=1\r\n\r\nK=v\r\n"},
     {"HeaderWithBlanksIsKept", "  [S]\t\nK=1\n", "S", "K", "  [S]\t\r\nK=v\r\n"},
     {"HeaderWithCommentIsNone", "[S] ; x\nK=1\n", "S", "K", "[S] ; x\r\nK=1\r\n[S]\r\nK=v\r\n"},
@@ -396,6 +399,8 @@ TEST(AssignKey, AgreesWithTheLiteralRulesOnRandomFiles)
         std::string content;
         for (auto count = random() % 24; count > 0; --count)
             content += RandomPiece(random);
+        if (round % 2 == 0) // as Write itself leaves a file
+            content = IniModel::Save(IniModel::Lines(content));
         IniModel::Request request{.section = random() % 3 == 0 ? "" : "S", .key = random() % 4 == 0 ? "L" : "K"};
         request.value = random() % 4 == 0 ? "" : random() % 2 == 0 ? ";v" : "v;";
         request.where = static_cast<int>(random() % 4);

@@ -45,6 +45,6 @@ struct KeyAssignment
 
 /// Content of a file after the assignment, CR LF after each line.
 /// @throws std::runtime_error  when a shell file lacks the line that exports the key.
-std::string AssignKey(std::string_view content, const KeyAssignment& assignment);
+std::string AssignKey(std::string content, const KeyAssignment& assignment);
 
 } // namespace KelInsIniFile

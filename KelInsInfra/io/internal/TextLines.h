@@ -1,5 +1,7 @@
 #pragma once
 
+#include <KelInsInfra/foundation/internal/Bytes.h>
+#include <KelInsInfra/io/internal/TextBuilder.h>
 #include <istream>
 #include <memory>
 #include <optional>
@@ -20,11 +22,24 @@ inline std::string_view WithoutCarriageReturn(std::string_view line)
 /// without the one carriage return before that. No further line follows a final line feed.
 inline std::string_view TakeLine(std::string_view& rest)
 {
-    const std::size_t end = rest.find('\n');
-    const std::string_view line = rest.substr(0, end);
-    rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    const char* const end = rest.data() + rest.size();
+    const char* const feed = KelInsString::FindByte(rest.data(), end, '\n');
+    const std::string_view line(rest.data(), feed);
+    rest = {feed == end ? end : feed + 1, end};
     return WithoutCarriageReturn(line);
 }
+
+/// Whether this byte of a text is a line feed without a carriage return before it.
+inline bool IsLoneLineFeed(std::string_view text, const char* byte)
+{
+    return *byte == '\n' && (byte == text.data() || byte[-1] != '\r');
+}
+
+/// Whether a text is lines with CR LF after each.
+bool IsEachLineEndCrLf(std::string_view text);
+
+/// Adds lines to a text, CR LF after each, also after a last one that has no line end.
+void AppendLines(TextBuilder& text, std::string_view lines);
 
 /// Gives the lines of a stream one by one, cut as GetLine cuts them, but reads the stream in blocks: it takes more from
 /// it than the lines it gave.
