@@ -1,5 +1,6 @@
 #include <KelInsInfra/json/internal/ScannerLease.h>
 #include <atomic>
+#include <cstddef>
 #include <new>
 
 namespace JSON {
@@ -7,17 +8,8 @@ namespace {
 
 /// Made by the first parse. Never destroyed: a parse may come after what the process destroys at its end. Between two
 /// parses it holds no memory.
-union ProcessScanner {
-    Scanner scanner;
-    char none;
-
-    constexpr ProcessScanner() : none() {}
-
-    ~ProcessScanner() {} // NOLINT(modernize-use-equals-default): that would be deleted
-};
-
-constinit ProcessScanner processScanner;
-constinit bool isMade = false;
+alignas(Scanner) constinit std::byte place[sizeof(Scanner)] = {};
+constinit Scanner* processScanner = nullptr;
 constinit std::atomic<bool> isAtWork = false;
 
 } // namespace
@@ -29,10 +21,9 @@ ScannerLease::ScannerLease()
         scanner_ = own_.get();
         return;
     }
-    scanner_ = &processScanner.scanner;
-    if (!isMade)
-        new (scanner_) Scanner();
-    isMade = true;
+    if (processScanner == nullptr)
+        processScanner = new (place) Scanner();
+    scanner_ = processScanner;
 }
 
 ScannerLease::~ScannerLease()

@@ -71,21 +71,25 @@ public:
 
 private:
     /// Whether a container can go to where the next value goes. In an object it takes the pending key.
-    [[gnu::always_inline]] bool MakeKey() // gcc 12 finds it too long
+    bool MakeKey()
     {
         if (!builder_.IsOpen() || !builder_.InObject()) {
             PutKeyBack();
             return true;
         }
-        if (!keyIsInPlace_) {
-            builder_.Keys().Push(nextKey_);
-            nextKey_.clear();
-            keyHasEscapes_ = true;
-        }
+        if (!keyIsInPlace_)
+            PutKeyInPlace();
         keyIsInPlace_ = builder_.Keys().Last().empty(); // refused then, and pending still
         if (keyHasEscapes_)
             builder_.Keys().UnescapeLast();
         return !keyIsInPlace_;
+    }
+
+    [[gnu::noinline]] void PutKeyInPlace() // seldom needed: inlined, MakeKey itself is too long for that
+    {
+        builder_.Keys().Push(nextKey_);
+        nextKey_.clear();
+        keyHasEscapes_ = true;
     }
 
     /// A pending key lies with the builder, where most are soon needed; it is in the way of what is done otherwise.
