@@ -37,8 +37,8 @@ describe() { # STEP: what is broken for it: a source, a sed command that changes
             change='s/throw Exception(message, 1 + /throw Exception(message, /' ;;
         12) source=hash/UuidText.cpp what='UUIDs say another version'
             change='s/+ 0x4000/+ 0x5000/' ;;
-        13) source=io/LineReplacement.cpp what='only the first place in a line is replaced'
-            change='s/result.count += KelInsString::ReplaceAll(line, from, to);/if (const auto at = line.find(from); at != std::string::npos) line.replace(at, from.size(), to);/' ;;
+        13) source=io/LineReplacement.cpp what='only the first place in a file is replaced'
+            change='s/if (mayBeInLine && /if (count == 0 \&\& mayBeInLine \&\& /' ;;
         14) source=registry/RegistryKeys.cpp what='one view stands for both'
             change='s/return KEY_WOW64_32KEY;/return KEY_WOW64_64KEY;/' ;;
         15) source=json/internal/Escapes.h what='escaped backslashes stay' # the only case of two characters
