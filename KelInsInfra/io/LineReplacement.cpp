@@ -1,15 +1,22 @@
 #include <KelInsInfra/io/internal/LineReplacement.h>
 #include <KelInsInfra/io/internal/TextLines.h>
 #include <algorithm>
+#include <cstring>
 
 namespace KelInsIO {
 namespace {
 
-/// Whether a line holds the text just there. The carriage return before a line feed belongs to no line.
+/// Whether a line holds the text (not empty) just there. The carriage return before a line feed belongs to no line.
 bool IsInLine(const char* next, const char* end, const std::string& text)
 {
-    const auto [differing, behind] = std::mismatch(text.begin(), text.end(), next, end); // no call, as a match is short
-    return differing == text.end() && !(text.back() == '\r' && behind != end && *behind == '\n');
+    constexpr std::size_t kShort = 32; // up to which a loop is quicker than the C runtime's call
+    const std::size_t size = text.size();
+    if (size > static_cast<std::size_t>(end - next) || next[size - 1] != text.back())
+        return false;
+    if (text.back() == '\r' && next + size != end && next[size] == '\n')
+        return false;
+    return size <= kShort ? std::mismatch(text.begin(), text.end(), next).first == text.end()
+                          : std::memcmp(next, text.data(), size) == 0;
 }
 
 } // namespace
@@ -20,7 +27,7 @@ LineReplacement ReplaceInEachLine(std::string_view content, const std::string& f
         content.remove_suffix(1);
     content = WithoutCarriageReturn(content);
     TextBuilder text(content.size());
-    std::int32_t count = 0;
+    std::uint32_t count = 0; // one that overflows is wrong, but no more than that
     const bool mayBeInLine = from.find('\n') == std::string::npos;
     const char* const end = content.data() + content.size();
     const char* kept = content.data(); // what stays as it is, and is not copied yet, begins here
@@ -40,7 +47,7 @@ LineReplacement ReplaceInEachLine(std::string_view content, const std::string& f
         }
     }
     text.Append({kept, end});
-    return {text.Take(), count};
+    return {text.Take(), static_cast<std::int32_t>(count)};
 }
 
 } // namespace KelInsIO

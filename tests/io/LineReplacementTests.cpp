@@ -47,6 +47,10 @@ const ReplacementCase kReplacementCases[] = {
     {"ZeroBytes", "a\0b\0"s, "\0"s, "0", "a0b0", 2},
     {"NonAscii", "gr\xC3\xBC\xC3\x9F", "\xC3\xBC", "ue", "grue\xC3\x9F", 1},
     {"CaseMatters", "abc ABC", "abc", "x", "x ABC", 1},
+    {"LongText", std::string(40, 'a') + "b" + std::string(33, 'a') + "b", std::string(33, 'a') + "b", "-",
+     std::string(7, 'a') + "--", 2},
+    {"LongTextThatDiffersInTheMiddle", std::string(20, 'a') + "c" + std::string(20, 'a'), std::string(41, 'a'), "-",
+     std::string(20, 'a') + "c" + std::string(20, 'a'), 0},
 };
 
 class ReplaceInEachLineTable : public testing::TestWithParam<ReplacementCase>
@@ -90,7 +94,8 @@ TEST(ReplaceInEachLine, AgreesWithTheLiteralLoopOnRandomText)
     std::mt19937 random(8);
     for (int round = 0; round < 5000; ++round) {
         const std::string content = RandomText(random, "ab\r\n", 40);
-        const std::string from = 'a' + RandomText(random, "ab\r\n", 2);
+        const std::string shape = RandomText(random, "ab\r\n", 3);
+        const std::string from = shape.empty() ? "\r" : shape;
         const std::string to = RandomText(random, "abc\r\n", 3);
         std::string expected;
         int count = 0;

@@ -176,6 +176,21 @@ TEST(InputStreamToString, EndsAtAReadErrorButNotWhereMemoryRunsOut)
     EXPECT_THROW(KelInsIO::InputStreamToString(exhausted), std::bad_alloc);
 }
 
+TEST(LineReader, LinesAcrossItsBlocks)
+{
+    for (const std::size_t size : {16382U, 16383U, 16384U, 16385U, 32768U, 50000U}) {
+        const std::string line(size, 'x');
+        for (const std::string end : {"\n", "\r\n"}) {
+            std::istringstream stream(line + "y" + end + "z" + line + end + "last");
+            KelInsIO::LineReader lines(stream);
+            EXPECT_EQ(lines.Next(), line + "y");
+            EXPECT_EQ(lines.Next(), "z" + line);
+            EXPECT_EQ(lines.Next(), "last");
+            EXPECT_EQ(lines.Next(), std::nullopt);
+        }
+    }
+}
+
 TEST(LineReader, GivesNoPartOfALineForTheWhole)
 {
     Breaking<ReadError> broken("one\ntw");
