@@ -2021,7 +2021,7 @@ do_action:	/* This label is used only to access EOF actions. */
 	{ /* beginning of action switch */
 case 1:
 YY_RULE_SETUP
-BEGIN(IN_STRING);
+stringBuffer.bytes.clear(); BEGIN(IN_STRING);
 	YY_BREAK
 case 2:
 /* rule 2 can match eol */

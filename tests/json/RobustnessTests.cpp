@@ -469,6 +469,32 @@ TEST(JsonStream, ThatParsesByItself)
     EXPECT_EQ(driver.GetJSON(), "[2]");
 }
 
+/// The string that flex itself begins, after an echo, must not go on where another parse has stopped.
+TEST(JsonStream, ThatParsesByItselfInTheMiddleOfAString)
+{
+    class Nested : public std::streambuf
+    {
+        std::streamsize xsgetn(char* out, std::streamsize size) override
+        {
+            const std::string piece =
+                reads_++ == 0 ? "[\"" + std::string(static_cast<std::size_t>(size) - 2, 'x') : "\"]";
+            if (reads_ == 2) {
+                const EchoCapture echo;
+                Driver inner;
+                EXPECT_TRUE(inner.Parse("[#\"y\"]"));
+                EXPECT_EQ(inner.GetJSON(), R"(["y"])");
+            }
+            return static_cast<std::streamsize>(piece.copy(out, piece.size()));
+        }
+
+        int reads_ = 0;
+    };
+
+    Nested buffer;
+    std::istream in(&buffer);
+    EXPECT_TRUE(Driver().Parse(in)); // whatever the string is now
+}
+
 TEST(JsonStream, WithoutABuffer)
 {
     std::istream in(nullptr);

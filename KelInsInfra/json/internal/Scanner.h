@@ -61,6 +61,7 @@ private:
     bool TakeString();
     bool TakeNumber();
 
+    // Flex's functions that push or switch buffers are never called: they would take this stack for memory of the heap.
     yy_buffer_state* buffers_[1] = {};         ///< flex's stack of them
     alignas(void*) std::byte buffer_[80] = {}; ///< where the one in it lies
     std::vector<char> string_;
