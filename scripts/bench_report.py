@@ -83,7 +83,7 @@ def comparisons(platform, works, targets):
 def growth_rows(works):
     """(work, {megabytes: nanoseconds per byte}, exponent, per byte at the largest over the smallest)"""
     for work, sizes in works.items():
-        per_byte = {int(size): min(times) / (int(size) << 20) for size, times in sizes.items()}
+        per_byte = {int(size): statistics.median(times) / (int(size) << 20) for size, times in sizes.items()}
         small, large = min(per_byte), max(per_byte)
         factor = per_byte[large] / per_byte[small]
         yield work, dict(sorted(per_byte.items())), 1 + math.log(factor, large / small), factor
