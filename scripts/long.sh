@@ -27,9 +27,9 @@ build() { # PRESET TARGET...
     cmake --preset "$preset" && cmake --build --preset "$preset" -j "$(nproc)" --target "$@"
 }
 
-in_wine() { # PROGRAM ARGUMENT...
+in_wine() ( # PROGRAM ARGUMENT...: in a shell of its own, as it changes the folder
     mkdir -p build/mingw/results && cd build/mingw/results && "$root/scripts/wine-test.sh" "../bin/$1.exe" "${@:2}"
-}
+)
 
 step install scripts/install.sh
 step build-windows build mingw all
