@@ -65,7 +65,7 @@ if step "build natively, address and undefined-behaviour sanitizers" build nativ
 fi
 step "instructions of fixed workloads beside the committed figures" scripts/check-speed.sh
 if step "build natively, thread sanitizer" build native-tsan portable_tests; then
-    step "test natively, thread sanitizer" tests native-tsan -R "^portable_tests$|Isolated"
+    step "test natively, thread sanitizer" tests native-tsan -R "^portable_tests_|Isolated"
     results+=(build/native-tsan/results)
 fi
 if step "build for Windows, each public header alone too" build mingw all all_verify_interface_header_sets; then
