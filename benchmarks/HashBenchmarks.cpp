@@ -10,6 +10,7 @@
 #endif
 #include <istream>
 #include <streambuf>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -121,6 +122,16 @@ void AddEngine(const std::string& name, std::uint64_t length, Sha256Engines::Eng
     });
 }
 
+void AddEngines(const std::string& work, const std::string& peer, Sha256Engines::Engine engine,
+                Sha256Engines::Engine peerEngine)
+{
+    using Length = std::pair<std::uint64_t, const char*>;
+    for (const auto& [length, label] : {Length{65536, ", 64 KiB/"}, Length{64, ", 64 bytes/"}}) {
+        AddEngine(work + label + "KelInsInfra", length, engine);
+        AddEngine(work + label + peer, length, peerEngine);
+    }
+}
+
 void AddShortMessage()
 {
     const std::string work = "SHA-256, GetHash of 64 bytes";
@@ -168,10 +179,9 @@ const bool kRegistered = [] {
     AddDigest("SHA-256, 1 MiB", std::uint64_t{1} << 20);
     AddDigest("SHA-256, 64 MiB", std::uint64_t{64} << 20);
     AddStream();
-    AddEngine("SHA-256 portable engine, 64 KiB/KelInsInfra", 65536, &Sha256Engines::Portable);
-    AddEngine("SHA-256 portable engine, 64 KiB/straightforward loop", 65536, &StraightforwardLoop);
-    AddEngine("SHA-256 portable engine, 64 bytes/KelInsInfra", 64, &Sha256Engines::Portable);
-    AddEngine("SHA-256 portable engine, 64 bytes/straightforward loop", 64, &StraightforwardLoop);
+    AddEngines("SHA-256 portable engine", "straightforward loop", &Sha256Engines::Portable, &StraightforwardLoop);
+    if (Sha256Engines::HaveBmi2())
+        AddEngines("SHA-256 engine with BMI2", "straightforward loop", &Sha256Engines::Bmi2, &StraightforwardLoop);
     if (Sha256Engines::HaveShaExtensions()) {
         AddEngine("SHA-256 engine with SHA extensions, 64 KiB/KelInsInfra", 65536, &Sha256Engines::ShaExtensions);
         AddEngine("SHA-256 engine with SHA extensions, 64 KiB/portable engine", 65536, &Sha256Engines::Portable);

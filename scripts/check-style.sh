@@ -17,7 +17,7 @@ echo "layout: ${#sources[@]} files clean"
 
 # The Windows sources are read with the cross compiler's own headers.
 database=$root/build/mingw
-[ -f "$database/compile_commands.json" ] || cmake --preset mingw >/dev/null
+cmake --preset mingw >/dev/null # always: a database of before a change would be read as it was
 includes=()
 while read -r folder; do
     includes+=("--extra-arg=-isystem$folder")

@@ -11,12 +11,14 @@ namespace {
 constexpr std::uint64_t kBlockSize = SHA256::_cChunkSize;
 constexpr std::streamsize kPieceSize = 65536;
 
-Sha256Engines::Engine BestEngine()
-{
-    return Sha256Engines::HaveShaExtensions() ? &Sha256Engines::ShaExtensions : &Sha256Engines::Portable;
-}
-
 } // namespace
+
+Sha256Engines::Engine Sha256Engines::Fastest(bool haveShaExtensions, bool haveBmi2)
+{
+    if (haveShaExtensions)
+        return &ShaExtensions;
+    return haveBmi2 ? &Bmi2 : &Portable;
+}
 
 SHA256::SHA256()
 {
@@ -114,7 +116,8 @@ std::string SHA256::GetHash(const std::string& data)
 
 void SHA256::Update(const unsigned char* blocks, std::uint64_t count)
 {
-    static const Sha256Engines::Engine engine = BestEngine();
+    static const Sha256Engines::Engine engine =
+        Sha256Engines::Fastest(Sha256Engines::HaveShaExtensions(), Sha256Engines::HaveBmi2());
     engine(chaining_, blocks, count);
 }
 

@@ -64,7 +64,7 @@ template <int Count>
                                          std::uint32_t e, std::uint32_t f, std::uint32_t g, std::uint32_t& h,
                                          std::uint32_t input)
 {
-    h += input; // one after the other, the latest operand last: the compiler keeps the order
+    h += input; // one after the other, the latest operand last, though compilers may change it
     h += g ^ (e & (f ^ g));
     h += Rotr(e, 6) ^ Rotr(e, 11) ^ Rotr(e, 25);
     d += h;
@@ -108,7 +108,7 @@ struct Rounds
 
 /// One block. The words of four rounds are worked out side by side, in vector registers, while the rounds wait for each
 /// other.
-void Block(Sha256Engines::Words& chaining, const unsigned char* block)
+[[gnu::always_inline]] inline void Block(Sha256Engines::Words& chaining, const unsigned char* block)
 {
     const auto [a, b, c, d, e, f, g, h] = chaining;
     Rounds rounds{a, b, c, d, e, f, g, h, b ^ c, {}};
@@ -140,6 +140,13 @@ void Block(Sha256Engines::Words& chaining, const unsigned char* block)
         chaining[i] += after[i];
 }
 
+[[gnu::always_inline]] inline void Blocks(Sha256Engines::Words& chaining, const unsigned char* blocks,
+                                          std::uint64_t count)
+{
+    for (; count > 0; --count, blocks += SHA256::_cChunkSize)
+        Block(chaining, blocks);
+}
+
 } // namespace
 
 alignas(16) constexpr std::array<std::uint32_t, 64> Sha256Engines::kRoundConstants = {
@@ -155,8 +162,33 @@ alignas(16) constexpr std::array<std::uint32_t, 64> Sha256Engines::kRoundConstan
 
 void Sha256Engines::Portable(Words& chaining, const unsigned char* blocks, std::uint64_t count)
 {
-    for (; count > 0; --count, blocks += SHA256::_cChunkSize)
-        Block(chaining, blocks);
+    Blocks(chaining, blocks, count);
 }
+
+#if defined(__x86_64__)
+
+[[gnu::target("avx,bmi2")]] void Sha256Engines::Bmi2(Words& chaining, const unsigned char* blocks, std::uint64_t count)
+{
+    Blocks(chaining, blocks, count);
+}
+
+bool Sha256Engines::HaveBmi2()
+{
+    return __builtin_cpu_supports("avx") && __builtin_cpu_supports("bmi2"); // asks the system too: it keeps AVX's state
+}
+
+#else // another processor
+
+void Sha256Engines::Bmi2(Words& chaining, const unsigned char* blocks, std::uint64_t count)
+{
+    Portable(chaining, blocks, count);
+}
+
+bool Sha256Engines::HaveBmi2()
+{
+    return false;
+}
+
+#endif
 
 } // namespace KelInsHash

@@ -16,7 +16,7 @@ struct EngineCase
 {
     const char* label;
     Sha256Engines::Engine engine;
-    bool needsShaExtensions;
+    bool (*isThere)();
 
     friend void PrintTo(const EngineCase& c, std::ostream* out) { *out << c.label; }
 };
@@ -26,8 +26,8 @@ class Sha256Engine : public testing::TestWithParam<EngineCase>
 protected:
     void SetUp() override
     {
-        if (GetParam().needsShaExtensions && !Sha256Engines::HaveShaExtensions())
-            GTEST_SKIP() << "this processor has no SHA extensions";
+        if (!GetParam().isThere())
+            GTEST_SKIP() << "this processor has not what the engine needs";
     }
 
     static Words After(Words words, const std::string& blocks)
@@ -118,10 +118,25 @@ TEST_P(Sha256Engine, AgreesWithThePortableOneFromAnyWords)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, Sha256Engine,
-                         testing::Values(EngineCase{"Portable", &Sha256Engines::Portable, false},
-                                         EngineCase{"ShaExtensions", &Sha256Engines::ShaExtensions, true}),
+constexpr EngineCase kEngines[] = {
+    {"Portable", &Sha256Engines::Portable, [] { return true; }},
+    {"Bmi2", &Sha256Engines::Bmi2, &Sha256Engines::HaveBmi2},
+    {"ShaExtensions", &Sha256Engines::ShaExtensions, &Sha256Engines::HaveShaExtensions},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, Sha256Engine, testing::ValuesIn(kEngines),
                          [](const auto& test) { return std::string(test.param.label); });
+
+TEST(Sha256Steps, FastestEngineOfWhatIsThere)
+{
+    const Sha256Engines::Engine portable = &Sha256Engines::Portable;
+    const Sha256Engines::Engine bmi2 = &Sha256Engines::Bmi2;
+    const Sha256Engines::Engine shaExtensions = &Sha256Engines::ShaExtensions;
+    EXPECT_EQ(Sha256Engines::Fastest(false, false), portable);
+    EXPECT_EQ(Sha256Engines::Fastest(false, true), bmi2);
+    EXPECT_EQ(Sha256Engines::Fastest(true, false), shaExtensions);
+    EXPECT_EQ(Sha256Engines::Fastest(true, true), shaExtensions);
+}
 
 TEST(Sha256Steps, BigEndianReadsBytesInOrder)
 {

@@ -5,8 +5,8 @@
 
 namespace KelInsHash {
 
-/// The compression function of SHA-256, twice. Both run over `count` consecutive blocks of 64 bytes, of any alignment,
-/// and update the chaining words H0 to H7.
+/// The compression function of SHA-256, three times. All run over `count` consecutive blocks of 64 bytes, of any
+/// alignment, and update the chaining words H0 to H7.
 struct Sha256Engines
 {
     using Words = std::array<std::uint32_t, 8>;
@@ -16,9 +16,16 @@ struct Sha256Engines
 
     static void Portable(Words& chaining, const unsigned char* blocks, std::uint64_t count);
 
+    /// The portable code compiled for processors that rotate into another register and name three vector registers at
+    /// once, a fifth fewer instructions: most of those since 2013 that have no SHA extensions. Only where HaveBmi2().
+    static void Bmi2(Words& chaining, const unsigned char* blocks, std::uint64_t count);
+    static bool HaveBmi2();
+
     /// Only where HaveShaExtensions().
     static void ShaExtensions(Words& chaining, const unsigned char* blocks, std::uint64_t count);
     static bool HaveShaExtensions();
+
+    static Engine Fastest(bool haveShaExtensions, bool haveBmi2);
 
     /// Number for its big-endian bytes, and the other way round.
     template <typename Number>
