@@ -30,9 +30,8 @@ mkdir -p "$results" && rm -f "$results"/*
 # Files of benchmarks that are not about a disk lie in memory, where the machine has such a place.
 [ -w /dev/shm ] && export KELINS_BENCHMARK_MEMORY='Z:\dev\shm'
 
-options=(--benchmark_enable_random_interleaving=true --benchmark_repetitions=9 --benchmark_min_time=0.05
-    --benchmark_report_aggregates_only=false)
-[ -z "$quick" ] || options=(--benchmark_min_time=0.001)
+times=(--benchmark_min_time=0.05 --benchmark_min_warmup_time=0.02) # for each contestant, in each round
+[ -z "$quick" ] || times=(--benchmark_min_time=0.001)
 
 chosen() { # NAME: whether the command line asks for it
     [ "${#wanted[@]}" -eq 0 ] && return 0
@@ -54,14 +53,20 @@ for preset in native mingw; do
         echo "== $preset: $name"
         run=("$program")
         [ "$preset" = native ] || run=("$root/scripts/wine.sh" "$program")
-        rounds=()
         case $quick$name in
-            growth*) rounds=(--benchmark_repetitions=5) ;;             # large inputs: five rounds are enough
-            registry* | system*) rounds=(--benchmark_repetitions=31) ;; # small differences, noisy calls
+            growth*) rounds=5 ;;             # large inputs: five rounds are enough
+            registry* | system*) rounds=31 ;; # small differences, noisy calls
+            *) rounds=9 ;;
         esac
-        (cd "$results" && "${pin[@]}" "${run[@]}" "${options[@]}" "${rounds[@]}" \
-            --benchmark_out="$preset.$name.json" --benchmark_out_format=json >"$preset.$name.log" 2>&1 </dev/null) ||
-            { tail -n 20 "$results/$preset.$name.log"; exit 1; }
+        [ -z "$quick" ] || rounds=1
+        # One process a round, in which the contestants of a work run one right after the other: what the machine's
+        # neighbours do in that moment, they do to all of them.
+        for ((round = 1; round <= rounds; ++round)); do
+            (cd "$results" && "${pin[@]}" "${run[@]}" "${times[@]}" \
+                --benchmark_out="$preset.$name.$round.json" --benchmark_out_format=json \
+                >"$preset.$name.$round.log" 2>&1 </dev/null) ||
+                { tail -n 20 "$results/$preset.$name.$round.log"; exit 1; }
+        done
     done
 done
 [ -n "$quick" ] && { echo "every benchmark runs"; exit 0; }

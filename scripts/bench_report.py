@@ -2,9 +2,10 @@
 """bench_report.py RESULTS_FOLDER TARGETS_FILE DOCS_FOLDER: writes DOCS_FOLDER/benchmarks.md and its plots from one run of
 scripts/bench.sh.
 
-A benchmark's name is "<work>/<contestant>". In each round the contestants of a work ran one after the other, so the
-ratio of a peer's time to ours is taken round by round; its median and its spread are shown. In growth_benchmarks the
-second part of the name is a size in megabytes instead.
+The results of a program's rounds are in "<platform>.<program>_benchmarks.<round>.json". A benchmark's name is
+"<work>/<contestant>". In each round the contestants of a work ran one after the other, so the ratio of a peer's time to
+ours is taken round by round; its median and its spread are shown. In growth_benchmarks the second part of the name is a
+size in megabytes instead, and the ratio is that of two sizes.
 """
 
 import json
@@ -25,22 +26,25 @@ GROWTH_NOTE = {"native": "The heap keeps its memory from one round to the next (
                "page faults for them are no growth of ours.\n\n"}
 
 
-def read_rounds(path):
+def read_rounds(paths):
     """{work: {contestant: [value of each round]}}, works in the order of their registration. A value is a time in
-    nanoseconds, or what the benchmark counted as its "bytes"."""
+    nanoseconds, or what the benchmark counted as its "bytes". A round in which a contestant failed is none of its work's."""
     works = {}
     factor = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
-    runs = json.loads(path.read_text())["benchmarks"]
-    for run in sorted(runs, key=lambda r: (r["family_index"], r["per_family_instance_index"])):
-        if run["run_type"] != "iteration":
-            continue
-        if run.get("error_occurred"):
-            print(f"left out: {run['run_name']}: {run['error_message']}", file=sys.stderr)
-            continue
-        work, contestant = run["run_name"].split("/")[:2]
-        value = run["bytes"] if "bytes" in run else run["real_time"] * factor[run["time_unit"]]
-        works.setdefault(work, {}).setdefault(contestant, []).append((run["repetition_index"], value))
-    return {w: {c: [e[1] for e in sorted(entries)] for c, entries in sorted(cs.items())} for w, cs in works.items()}
+    for path in paths:
+        found, failed = {}, set()
+        for run in json.loads(path.read_text())["benchmarks"]:
+            work, contestant = run["run_name"].split("/")[:2]
+            if run.get("error_occurred"):
+                print(f"left out of {path.name}: {run['run_name']}: {run['error_message']}", file=sys.stderr)
+                failed.add(work)
+            else:
+                value = run["bytes"] if "bytes" in run else run["real_time"] * factor[run["time_unit"]]
+                found.setdefault(work, {})[contestant] = value
+        for work in (w for w in found if w not in failed):
+            for contestant, value in sorted(found[work].items()):
+                works.setdefault(work, {}).setdefault(contestant, []).append(value)
+    return works
 
 
 def amount(work, value):
@@ -83,10 +87,11 @@ def comparisons(platform, works, targets):
 def growth_rows(works):
     """(work, {megabytes: nanoseconds per byte}, exponent, per byte at the largest over the smallest)"""
     for work, sizes in works.items():
-        per_byte = {int(size): statistics.median(times) / (int(size) << 20) for size, times in sizes.items()}
-        small, large = min(per_byte), max(per_byte)
-        factor = per_byte[large] / per_byte[small]
-        yield work, dict(sorted(per_byte.items())), 1 + math.log(factor, large / small), factor
+        rounds = {int(size): [time / (int(size) << 20) for time in times] for size, times in sizes.items()}
+        small, large = min(rounds), max(rounds)
+        factor = statistics.median(b / a for a, b in zip(rounds[small], rounds[large]))
+        per_byte = {size: statistics.median(times) for size, times in sorted(rounds.items())}
+        yield work, per_byte, 1 + math.log(factor, large / small), factor
 
 
 def table(head, rows):
@@ -127,9 +132,11 @@ def main():
     model, commit = machine()
     sections, plotted, growth = [], [], {}
     for platform, title in PLATFORMS.items():
+        programs = {}
         for path in sorted(folder.glob(f"{platform}.*.json")):
-            program = path.name.split(".")[1].removesuffix("_benchmarks")
-            works = read_rounds(path)
+            programs.setdefault(path.name.split(".")[1].removesuffix("_benchmarks"), []).append(path)
+        for program, paths in programs.items():
+            works = read_rounds(paths)
             if program == "growth":
                 growth[platform] = works
                 continue
@@ -143,9 +150,10 @@ def main():
     for target in sorted(unmet):
         print(f"bench_report.py: not measured: {target}", file=sys.stderr)
     bench_plots.write(docs, plotted, {p: list(growth_rows(w)) for p, w in growth.items()})
-    text = ("# Benchmarks\n\nWritten by `scripts/bench.sh`; do not edit. Ours and its peers alternate in one process, pinned "
-            "to one core; times are medians of 9 rounds,\nthe ratio is the peer's value over ours, round by round (above 1: "
-            "ours is faster or smaller), the spread its least and greatest\nvalue. Files of INI, `ReplaceInLines` and tree "
+    text = ("# Benchmarks\n\nWritten by `scripts/bench.sh`; do not edit. Ours and its peers run one after the other in one "
+            "process, pinned to one core,\nin each of 9 rounds (registry and system 31, growth 5); times are medians, the ratio "
+            "is the peer's value over ours in the same\nround (above 1: ours is faster or smaller), its median and its least "
+            "and greatest value. Files of INI, `ReplaceInLines` and tree "
             "rows lie in memory unless the row says otherwise.\n\n"
             f"Machine: {model}; on top of commit {commit}. Absolute times hold for this machine alone.\n\n"
             "![The peer's time over ours, for each row that has a target](benchmarks.svg)\n\n"

@@ -46,5 +46,7 @@ case ${1:-} in
 esac
 [ "${1:-}" = --wine ] || builds+=(gcov "$native")
 options=()
-grep -qw sha_ni /proc/cpuinfo || options+=(--leave-out=hash/Sha256Extensions.cpp) # this processor cannot run it
+# What this processor cannot run:
+grep -qw sha_ni /proc/cpuinfo || options+=(--leave-out=hash/Sha256Extensions.cpp)
+grep -qw bmi2 /proc/cpuinfo || options+=(--leave-out=hash/Sha256Bmi2.cpp)
 python3 scripts/coverage_report.py "${options[@]}" docs/reliability.md 100 98 "${builds[@]}"

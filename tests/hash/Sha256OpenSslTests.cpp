@@ -2,8 +2,12 @@
 #include "Sha256Data.h"
 #include <KelInsInfra/hash/internal/Sha256Engines.h>
 #include <algorithm>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <openssl/sha.h>
+#include <set>
+#include <sstream>
 
 namespace {
 
@@ -85,11 +89,40 @@ TEST(Sha256BesideOpenSsl, BlocksOfThePortableEngine)
     ExpectOpenSslBlocks(&Sha256Engines::Portable);
 }
 
+TEST(Sha256BesideOpenSsl, BlocksOfTheEngineWithBmi2)
+{
+    if (!Sha256Engines::HaveBmi2())
+        GTEST_SKIP() << "this processor has no BMI2";
+    ExpectOpenSslBlocks(&Sha256Engines::Bmi2);
+}
+
 TEST(Sha256BesideOpenSsl, BlocksOfTheShaExtensions)
 {
     if (!Sha256Engines::HaveShaExtensions())
         GTEST_SKIP() << "this processor has no SHA extensions";
     ExpectOpenSslBlocks(&Sha256Engines::ShaExtensions);
 }
+
+#if defined(__x86_64__)
+/// The words after "flags" of the first processor.
+std::set<std::string> FlagsOfTheSystem()
+{
+    std::ifstream file("/proc/cpuinfo");
+    std::string line;
+    while (std::getline(file, line) && line.find("flags") != 0) {
+    }
+    std::istringstream words(line);
+    return {std::istream_iterator<std::string>(words), {}};
+}
+
+TEST(Sha256Engines, ServeWhereTheSystemNamesWhatTheyNeed)
+{
+    const std::set<std::string> flags = FlagsOfTheSystem();
+    ASSERT_TRUE(flags.contains("sse2"));
+    EXPECT_EQ(Sha256Engines::HaveBmi2(), flags.contains("avx") && flags.contains("bmi2"));
+    EXPECT_EQ(Sha256Engines::HaveShaExtensions(),
+              flags.contains("sha_ni") && flags.contains("ssse3") && flags.contains("sse4_1"));
+}
+#endif
 
 } // namespace

@@ -18,7 +18,7 @@ inline double GrowthFactor(const std::function<void()>& small, const std::functi
                            int attempts = 12)
 {
     constexpr double kTick = 0.01;
-    constexpr double kEnough = 15 * kTick;
+    constexpr double kEnough = 10 * kTick;
     constexpr int kMostTimes = 1 << 20; // for work that takes no time at all
     const auto seconds = [](const std::function<void()>& work, int times) {
         const double begin = ThreadSecondsInUserMode();

@@ -57,4 +57,11 @@ TEST(GrowthScaling, ASquareInPartOfTheWorkIsSeen)
               kGrowthLimit);
 }
 
+/// With as many attempts as the tests of the library have: the square must not pass in any of them.
+TEST(GrowthScaling, TheSquarePassesInNoAttempt)
+{
+    const double factor = GrowthFactor([] { Mix(kFew, kFew.size()); }, [] { Mix(kMany, kMany.size()); });
+    EXPECT_GT(factor, kGrowthLimit);
+}
+
 } // namespace
