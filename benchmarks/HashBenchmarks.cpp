@@ -192,7 +192,7 @@ const bool kRegistered = [] {
     }
     Add("UUID text/KelInsInfra", 0, [] { benchmark::DoNotOptimize(KelInsUUID::GetUUID(false)); });
     Add(std::string("UUID text/") + HashPeers::kUuid, 0, [] { benchmark::DoNotOptimize(HashPeers::Uuid()); });
-    benchmark::RegisterBenchmark("SHA-256, 4.06 GiB in pieces of 64 MiB/KelInsInfra", OverFourGigabytes)
+    benchmark::RegisterBenchmark("SHA-256, 4.06 GiB in pieces of 64 MiB, checked/KelInsInfra", OverFourGigabytes)
         ->Iterations(1)
         ->Unit(benchmark::kSecond);
     return true;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds and runs the benchmark programs, natively and as Windows programs under Wine, ours and its peers alternating in one
-# process, and writes docs/benchmarks.md.
+# Builds and runs the benchmark programs, natively and as Windows programs under Wine, ours and its peers one after the
+# other in one process for each of several rounds, and writes docs/benchmarks.md.
 #
 #   scripts/bench.sh                all of them
 #   scripts/bench.sh io config      only the programs whose name begins so; the report then holds only these
@@ -24,8 +24,9 @@ scripts/install.sh --benchmarks
 pin=(taskset -c $(($(nproc) - 1)))
 scripts/wine-prefix.sh stop
 "${pin[@]}" scripts/wine-prefix.sh
-results=$root/build/bench
+results=$root/build/bench${quick:+-quick}
 mkdir -p "$results" && rm -f "$results"/*
+git rev-parse --short HEAD >"$results/commit"
 
 # Files of benchmarks that are not about a disk lie in memory, where the machine has such a place.
 [ -w /dev/shm ] && export KELINS_BENCHMARK_MEMORY='Z:\dev\shm'
@@ -54,21 +55,27 @@ for preset in native mingw; do
         run=("$program")
         [ "$preset" = native ] || run=("$root/scripts/wine.sh" "$program")
         case $quick$name in
-            growth*) rounds=5 ;;             # large inputs: five rounds are enough
-            registry* | system*) rounds=31 ;; # small differences, noisy calls
+            growth*) rounds=7 ;;              # large inputs
+            registry* | system*) rounds=15 ;; # small differences, noisy calls
             *) rounds=9 ;;
         esac
         [ -z "$quick" ] || rounds=1
+        options=("${times[@]}")
+        # No more loads than they ask for themselves: each takes some of the process for good.
+        case $name in load*) options=() ;; esac
         # One process a round, in which the contestants of a work run one right after the other: what the machine's
         # neighbours do in that moment, they do to all of them.
         for ((round = 1; round <= rounds; ++round)); do
-            (cd "$results" && "${pin[@]}" "${run[@]}" "${times[@]}" \
+            (cd "$results" && "${pin[@]}" "${run[@]}" "${options[@]}" \
                 --benchmark_out="$preset.$name.$round.json" --benchmark_out_format=json \
                 >"$preset.$name.$round.log" 2>&1 </dev/null) ||
                 { tail -n 20 "$results/$preset.$name.$round.log"; exit 1; }
+            ! grep -h -A 1 '"error_occurred": true' "$results/$preset.$name.$round.json" || [ -z "$quick" ] || exit 1
+            options+=(--benchmark_filter=-checked) # what is only checked is checked once
         done
     done
 done
+compgen -G "$results/*_benchmarks.1.json" >/dev/null || { echo "no program's name begins with: ${wanted[*]}" >&2; exit 2; }
 [ -n "$quick" ] && { echo "every benchmark runs"; exit 0; }
 
 python3 - build/mingw "$results/sizes.json" <<'END' # what ships, without debug symbols

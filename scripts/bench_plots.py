@@ -59,7 +59,7 @@ def growth_plot(title, rows):
     """Time per byte over size, each work relative to its smallest size: a flat line is linear growth."""
     left, top, width, height = 50, 50, 400, 220
     sizes = list(rows[0][1])
-    greatest = max(2.0, max(max(p.values()) / p[sizes[0]] for _, p, _, _ in rows))
+    greatest = max(2.0, max(max(p.values()) / p[sizes[0]] for _, p, *_ in rows))
 
     def x(size):
         return left + math.log(size / sizes[0]) / math.log(sizes[-1] / sizes[0]) * width
@@ -73,7 +73,7 @@ def growth_plot(title, rows):
                   text(left - 6, y(tick) + 4, f"{tick:g}", "end", "small")]
     for size in sizes:
         parts.append(text(x(size), top + height + 16, f"{size} MB", "middle", "small"))
-    for i, (work, per_byte, exponent, _) in enumerate(rows):
+    for i, (work, per_byte, exponent, *_) in enumerate(rows):
         points = " ".join(f"{x(s):.1f},{y(v / per_byte[sizes[0]]):.1f}" for s, v in per_byte.items())
         colour = COLOURS[i % len(COLOURS)]
         parts += [f'<polyline points="{points}" class="line" stroke="{colour}"/>',

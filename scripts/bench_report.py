@@ -12,7 +12,6 @@ import json
 import math
 import pathlib
 import statistics
-import subprocess
 import sys
 
 import bench_plots
@@ -21,7 +20,7 @@ OURS = "KelInsInfra"
 PLATFORMS = {"native": "natively (Linux)", "mingw": "Windows build under Wine"}
 GROWTH_LIMIT = 1.3  # time per byte at 64 MB over that at 1 MB
 NO_GROWTH_LIMIT = "JSON parse of one string"  # its limit is a row of its own: 8 MiB beside two of 4 MiB
-GROWTH_NOTE = {"native": "The heap keeps its memory from one round to the next (`M_MMAP_MAX` 0, no trimming) and each work "
+GROWTH_NOTE = {"native": "The heap keeps its memory from one run of a work to the next (`M_MMAP_MAX` 0, no trimming) and each work "
                "runs once before it is timed:\nby itself glibc returns large blocks to the system at once, and the kernel's "
                "page faults for them are no growth of ours.\n\n"}
 
@@ -85,13 +84,19 @@ def comparisons(platform, works, targets):
 
 
 def growth_rows(works):
-    """(work, {megabytes: nanoseconds per byte}, exponent, per byte at the largest over the smallest)"""
+    """(work, {megabytes: nanoseconds per byte}, exponent, per byte at the largest over the smallest in the same round: the
+    median and the least and greatest)"""
     for work, sizes in works.items():
         rounds = {int(size): [time / (int(size) << 20) for time in times] for size, times in sizes.items()}
         small, large = min(rounds), max(rounds)
-        factor = statistics.median(b / a for a, b in zip(rounds[small], rounds[large]))
+        factors = [b / a for a, b in zip(rounds[small], rounds[large])]
+        factor = statistics.median(factors)
         per_byte = {size: statistics.median(times) for size, times in sorted(rounds.items())}
-        yield work, per_byte, 1 + math.log(factor, large / small), factor
+        yield work, per_byte, 1 + math.log(factor, large / small), factor, (min(factors), max(factors))
+
+
+def round_count(works):
+    return max(len(values) for contestants in works.values() for values in contestants.values())
 
 
 def table(head, rows):
@@ -99,10 +104,9 @@ def table(head, rows):
     return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in rows]) + "\n"
 
 
-def machine():
+def machine(folder):
     model = next((line.split(":")[1].strip() for line in open("/proc/cpuinfo") if line.startswith("model name")), "?")
-    commit = subprocess.run(["git", "rev-parse", "--short", "HEAD"], capture_output=True, text=True).stdout.strip()
-    return model, commit
+    return model, (folder / "commit").read_text().strip()
 
 
 def sizes(folder):
@@ -116,20 +120,21 @@ def sizes(folder):
 
 def growth_section(platform, works):
     rows = []
-    for work, per_byte, exponent, factor in growth_rows(works):
+    for work, per_byte, exponent, factor, (least, greatest) in growth_rows(works):
         verdict = f"{GROWTH_LIMIT:g}x: " + ("holds" if factor <= GROWTH_LIMIT else "**missed**")
         if work == NO_GROWTH_LIMIT:
             verdict = ""
-        rows.append((work, *(f"{v:.3g} ns" for v in per_byte.values()), f"{exponent:.2f}", f"{factor:.2f}x", verdict))
-    head = ("work", "a byte of 1 MB", "of 8 MB", "of 64 MB", "exponent", "64 MB over 1 MB", "at most")
-    return f"## Growth, {PLATFORMS[platform]}\n\n" + GROWTH_NOTE.get(platform, "") + table(head, rows) + "\n"
+        rows.append((work, *(f"{v:.3g} ns" for v in per_byte.values()), f"{exponent:.2f}", f"{factor:.2f}x",
+                     f"{least:.2f} to {greatest:.2f}", verdict))
+    head = ("work", "a byte of 1 MB", "of 8 MB", "of 64 MB", "exponent", "64 MB over 1 MB", "spread", "at most")
+    return f"## Growth, {PLATFORMS[platform]}, {round_count(works)} rounds\n\n" + GROWTH_NOTE.get(platform, "") + table(head, rows) + "\n"
 
 
 def main():
     folder, targets_file, docs = (pathlib.Path(argument) for argument in sys.argv[1:4])
     given = json.loads(targets_file.read_text())
     targets = {tuple(t[:3]): t[3] for t in given["targets"]}
-    model, commit = machine()
+    model, commit = machine(folder)
     sections, plotted, growth = [], [], {}
     for platform, title in PLATFORMS.items():
         programs = {}
@@ -143,7 +148,7 @@ def main():
             found = list(comparisons(platform, works, targets))
             plotted += found
             head = ("work", "ours", "peer", "the peer's", "ratio", "spread", "must")
-            sections.append(f"## {program}, {title}\n\n" + table(head, [c.row() for c in found]) + "\n")
+            sections.append(f"## {program}, {title}, {round_count(works)} rounds\n\n" + table(head, [c.row() for c in found]) + "\n")
     for platform, works in growth.items():
         sections.append(growth_section(platform, works))
     unmet = set(targets) - {(c.platform, c.work, c.peer) for c in plotted}
@@ -151,7 +156,7 @@ def main():
         print(f"bench_report.py: not measured: {target}", file=sys.stderr)
     bench_plots.write(docs, plotted, {p: list(growth_rows(w)) for p, w in growth.items()})
     text = ("# Benchmarks\n\nWritten by `scripts/bench.sh`; do not edit. Ours and its peers run one after the other in one "
-            "process, pinned to one core,\nin each of 9 rounds (registry and system 31, growth 5); times are medians, the ratio "
+            "process, pinned to one core,\nin each of several rounds, ours mostly first; times are medians, the ratio "
             "is the peer's value over ours in the same\nround (above 1: ours is faster or smaller), its median and its least "
             "and greatest value. Files of INI, `ReplaceInLines` and tree "
             "rows lie in memory unless the row says otherwise.\n\n"

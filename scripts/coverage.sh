@@ -48,5 +48,5 @@ esac
 options=()
 # What this processor cannot run:
 grep -qw sha_ni /proc/cpuinfo || options+=(--leave-out=hash/Sha256Extensions.cpp)
-grep -qw bmi2 /proc/cpuinfo || options+=(--leave-out=hash/Sha256Bmi2.cpp)
+{ grep -qw avx /proc/cpuinfo && grep -qw bmi2 /proc/cpuinfo; } || options+=(--leave-out=hash/Sha256Bmi2.cpp)
 python3 scripts/coverage_report.py "${options[@]}" docs/reliability.md 100 98 "${builds[@]}"
