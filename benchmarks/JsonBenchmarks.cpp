@@ -10,7 +10,7 @@
 #include <rapidjson/writer.h>
 #include <string>
 
-/// Parsing and freeing a document, and writing it in compact form.
+/// Parsing and freeing a document, walking through it, and writing it in compact form.
 
 namespace {
 
@@ -42,6 +42,56 @@ void RegisterParsing(const std::string& name, const std::string& text)
     Register("JSON parse " + name + "/RapidJSON", text.size(), [text] {
         rapidjson::Document document;
         return !document.Parse(text.c_str(), text.size()).HasParseError();
+    });
+}
+
+std::size_t Values(const JSON::Value& value)
+{
+    std::size_t count = 1;
+    if (value.IsArray()) {
+        for (const auto& element : value.GetArrayValues())
+            count += Values(*element);
+    } else if (value.IsObject()) {
+        for (const JSON::POSITION member : value.GetObjectValues())
+            count += Values(*member->second);
+    }
+    return count;
+}
+
+std::size_t Values(const nlohmann::json& value)
+{
+    std::size_t count = 1;
+    for (const nlohmann::json& part : value) // a scalar has itself as its only part
+        count += value.is_structured() ? Values(part) : 0;
+    return count;
+}
+
+std::size_t Values(const rapidjson::Value& value)
+{
+    std::size_t count = 1;
+    if (value.IsArray()) {
+        for (const rapidjson::Value& element : value.GetArray())
+            count += Values(element);
+    } else if (value.IsObject()) {
+        for (const auto& member : value.GetObject())
+            count += Values(member.value);
+    }
+    return count;
+}
+
+/// With a walk through all values, whose containers give their parts by vectors that are made when first asked for.
+void RegisterReading(const std::string& name, const std::string& text)
+{
+    const std::size_t expected = Values(nlohmann::json::parse(text));
+    Register("JSON parse and walk " + name + "/KelInsInfra", text.size(), [=] {
+        JSON::Driver driver;
+        return driver.Parse(text) && Values(*driver.GetValue()) == expected;
+    });
+    Register("JSON parse and walk " + name + "/nlohmann", text.size(),
+             [=] { return Values(nlohmann::json::parse(text)) == expected; });
+    Register("JSON parse and walk " + name + "/RapidJSON", text.size(), [=] {
+        rapidjson::Document document;
+        return !document.Parse(text.c_str(), text.size()).HasParseError() && Values(document) == expected;
     });
 }
 
@@ -78,6 +128,7 @@ const bool kRegistered = [] {
         if (text.empty())
             continue; // the report shows what is missing
         RegisterParsing(name, text);
+        RegisterReading(name, text);
         RegisterWriting(name, text);
     }
     return true;

@@ -56,7 +56,7 @@ for preset in native mingw; do
         [ "$preset" = native ] || run=("$root/scripts/wine.sh" "$program")
         case $quick$name in
             growth*) rounds=7 ;;              # large inputs
-            registry* | system*) rounds=15 ;; # small differences, noisy calls
+            hash* | registry* | system*) rounds=15 ;; # small differences, or noisy calls
             *) rounds=9 ;;
         esac
         [ -z "$quick" ] || rounds=1

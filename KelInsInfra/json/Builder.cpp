@@ -52,7 +52,7 @@ void Builder::Close()
     const std::span values = std::span(values_).subspan(frame.firstValue);
     const bool shallow = frame.levels < kShallow;
     if (frame.container->IsArray())
-        static_cast<Array*>(frame.container)->Append(values, shallow);
+        static_cast<Array*>(frame.container)->Complete(pool_, values, shallow);
     else if (!values.empty())
         static_cast<Object*>(frame.container)->Fill(pool_, keys_, values, shallow);
     values_.resize(frame.firstValue);

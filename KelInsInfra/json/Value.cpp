@@ -79,7 +79,7 @@ std::shared_ptr<Value> Value::GetArrayValue(std::int32_t index) const
 {
     if (!IsArray() || index < 0)
         return nullptr;
-    const auto& elements = static_cast<const Array&>(*this).Elements();
+    const auto elements = static_cast<const Array&>(*this).Elements();
     const auto place = static_cast<std::size_t>(index);
     return place < elements.size() ? elements[place] : nullptr;
 }
@@ -89,7 +89,7 @@ const std::vector<std::shared_ptr<Value>>& Value::GetArrayValues() const
     if (!IsArray())
         throw std::runtime_error("JSON::Value::GetArrayValues - Value is not an Array. Actual type: " +
                                  GetTypeString());
-    return static_cast<const Array&>(*this).Elements();
+    return static_cast<const Array&>(*this).Vector();
 }
 
 std::shared_ptr<Value> Value::GetObjectValue(const std::string& key) const

@@ -97,8 +97,9 @@ public:
     /// The element at an index from 0; empty where there is none, and for any type but Array. Never throws.
     KELINS_API std::shared_ptr<Value> GetArrayValue(std::int32_t index) const;
 
-    /// The elements in order.
+    /// The elements in order. The vector is made by the first call; it stays the same one.
     /// @throws std::runtime_error  "JSON::Value::GetArrayValues - Value is not an Array. Actual type: <type>"
+    /// @throws std::bad_alloc      when memory runs out for the vector.
     KELINS_API const std::vector<std::shared_ptr<Value>>& GetArrayValues() const;
 
     /// The member under exactly this key (it is not unescaped); empty where there is none, and for any type but Object.

@@ -200,6 +200,36 @@ TEST(JsonMemory, FirstQuestionForThePositions)
     EXPECT_EQ(positions, &driver.GetValue()->GetObjectValues());
 }
 
+TEST(JsonMemory, FirstQuestionForTheElements)
+{
+    Driver driver;
+    ASSERT_TRUE(driver.Parse("[1,[2],3]"));
+    const std::vector<std::shared_ptr<JSON::Value>>* elements = nullptr;
+    WithEveryFailure([&] { elements = &driver.GetValue()->GetArrayValues(); },
+                     [&] { EXPECT_EQ(driver.GetJSON(), "[1, [2], 3]"); });
+    EXPECT_EQ(elements->size(), 3U);
+    EXPECT_EQ(elements, &driver.GetValue()->GetArrayValues());
+}
+
+TEST(JsonMemory, AddingToAParsedArrayEitherWorksOrChangesNothing)
+{
+    for (const bool asked : {false, true}) {
+        for (const std::string text : {"[]", "[1]", "[1,2,3,4]"}) {
+            Driver driver;
+            ASSERT_TRUE(driver.Parse(text));
+            if (asked)
+                driver.GetValue()->GetArrayValues();
+            ASSERT_TRUE(driver.UseValue(driver.GetValue()));
+            const std::string before = driver.GetJSON();
+            const auto value = Driver::CreateNull();
+            bool added = false;
+            WithEveryFailure([&] { added = driver.AddToArray(value); },
+                             [&] { EXPECT_TRUE(added || driver.GetJSON() == before); });
+            EXPECT_EQ(driver.GetValue()->GetArrayValues().back(), value);
+        }
+    }
+}
+
 TEST(JsonMemory, AddingToAParsedObjectEitherWorksOrChangesNothing)
 {
     for (const std::string text : {R"({"a":1})", R"({"a":1,"b":2})"}) {

@@ -191,6 +191,79 @@ TEST(JsonPositions, FirstAskedForByManyThreads)
     EXPECT_EQ((*seen.front())[1]->first, "b");
 }
 
+TEST(JsonElements, FirstAskedForByManyThreads)
+{
+    Driver driver;
+    ASSERT_TRUE(driver.Parse("[1,[2],3]"));
+    const Pointer root = driver.GetValue();
+    std::vector<const std::vector<Pointer>*> seen(16);
+    std::latch start(16);
+    std::vector<std::thread> threads;
+    for (auto& elements : seen)
+        threads.emplace_back([&] {
+            start.arrive_and_wait();
+            EXPECT_EQ(root->GetArrayValue(1)->GetArrayValue(0)->GetInteger(), 2);
+            elements = &root->GetArrayValues();
+            EXPECT_EQ(root->GetJSON(), "[1, [2], 3]");
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const auto* elements : seen)
+        EXPECT_EQ(elements, seen.front());
+    ASSERT_EQ(seen.front()->size(), 3U);
+    for (std::int32_t i = 0; i < 3; ++i)
+        EXPECT_EQ((*seen.front())[static_cast<std::size_t>(i)], root->GetArrayValue(i));
+}
+
+/// Who holds the vector sees what is added to the array, and what was there stays the same values.
+TEST(JsonElements, StayInTheirVectorWhileOthersAreAdded)
+{
+    for (const std::string text : {"[]", "[1]", "[1,[2],{\"a\":3}]"}) {
+        Driver driver;
+        ASSERT_TRUE(driver.Parse(text));
+        const Pointer root = driver.GetValue();
+        const std::vector<Pointer> before = root->GetArrayValues();
+        const std::vector<Pointer>& elements = root->GetArrayValues();
+        ASSERT_TRUE(driver.UseValue(root));
+        for (int i = 0; i < 10; ++i)
+            ASSERT_TRUE(driver.AddToArray(Driver::CreateNumber(std::to_string(i))));
+        EXPECT_EQ(&elements, &root->GetArrayValues());
+        ASSERT_EQ(elements.size(), before.size() + 10);
+        EXPECT_EQ(root->GetSize(), elements.size());
+        EXPECT_TRUE(std::equal(before.begin(), before.end(), elements.begin()));
+        EXPECT_EQ(root->GetArrayValue(static_cast<std::int32_t>(before.size()) + 9)->GetInteger(), 9);
+    }
+}
+
+TEST(JsonElements, KeptLongerThanTheirArray)
+{
+    Driver driver;
+    ASSERT_TRUE(driver.Parse(R"([[1,["a text that is longer than a small one"]],2])"));
+    const std::vector<Pointer> kept = driver.GetValue()->GetArrayValue(0)->GetArrayValues();
+    driver.ResetParser();
+    EXPECT_EQ(kept[0].use_count(), 1);
+    EXPECT_EQ(kept[1]->GetJSON(), R"(["a text that is longer than a small one"])");
+}
+
+/// Whoever asked each array for its elements has given them a second owner, which must not hinder the release.
+TEST(JsonRelease, DeepArraysThatWereAllAskedForTheirElements)
+{
+    OnSmallStack([] {
+        for (const std::size_t depth : {10U, 63U, 64U, 65U, 100000U}) {
+            Driver driver;
+            ASSERT_TRUE(driver.Parse(Repeated("[1,[],", depth) + "2" + Repeated("]", depth)));
+            const std::weak_ptr<JSON::Value> watched = driver.GetValue();
+            Pointer part = driver.GetValue();
+            while (part->IsArray())
+                part = part->GetArrayValues().back();
+            const std::weak_ptr<JSON::Value> innermost = std::exchange(part, nullptr);
+            driver.ResetParser();
+            EXPECT_TRUE(watched.expired());
+            EXPECT_TRUE(innermost.expired());
+        }
+    });
+}
+
 /// One thread releases the document, the other a container out of its middle.
 TEST(JsonRelease, InnerContainersOnAnotherThread)
 {

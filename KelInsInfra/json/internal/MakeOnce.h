@@ -1,0 +1,36 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <utility>
+
+namespace JSON {
+
+/// Whether something that is made when it is first asked for is there.
+enum class Made : std::uint8_t
+{
+    No,
+    Now, ///< by another thread
+    Yes,
+};
+
+/// Makes a thing unless it is there already; on whatever thread, as often at the same time as may be.
+/// @param make  gives the thing; called by each thread that comes before it is there. Nothing has happened if it
+/// throws.
+template <typename T, typename Make>
+void MakeOnce(T& thing, std::atomic<Made>& made, Make make)
+{
+    if (made.load(std::memory_order_acquire) == Made::Yes)
+        return;
+    T fresh = make();
+    Made before = Made::No;
+    if (made.compare_exchange_strong(before, Made::Now, std::memory_order_acquire)) {
+        std::swap(thing, fresh);
+        made.store(Made::Yes, std::memory_order_release);
+        made.notify_all();
+    } else {
+        made.wait(Made::Now, std::memory_order_acquire);
+    }
+}
+
+} // namespace JSON
