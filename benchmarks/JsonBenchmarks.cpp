@@ -79,7 +79,7 @@ std::size_t Values(const rapidjson::Value& value)
     return count;
 }
 
-/// With a walk through all values, whose containers give their parts by vectors that are made when first asked for.
+/// With a walk through all values, for which our containers make vectors of what they hold.
 void RegisterReading(const std::string& name, const std::string& text)
 {
     const std::size_t expected = Values(nlohmann::json::parse(text));

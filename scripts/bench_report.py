@@ -5,7 +5,8 @@ scripts/bench.sh.
 The results of a program's rounds are in "<platform>.<program>_benchmarks.<round>.json". A benchmark's name is
 "<work>/<contestant>". In each round the contestants of a work ran one after the other, so the ratio of a peer's time to
 ours is taken round by round; its median and its spread are shown. In growth_benchmarks the second part of the name is a
-size in megabytes instead, and the ratio is that of two sizes. Exits with 1 when something that has a target was not measured.
+size in megabytes instead, and the ratio is that of two sizes. Exits with 3 when
+something that has a target was not measured.
 """
 
 import json
@@ -64,8 +65,8 @@ class Comparison:
         self.ours, self.theirs = statistics.median(ours), statistics.median(theirs)
         self.ratio, self.least, self.greatest = statistics.median(ratios), min(ratios), max(ratios)
 
-    def verdict(self, aim, met, unmet):
-        return "" if aim is None else f"{aim:g}x: " + (met if self.ratio >= aim else unmet)
+    def verdict(self, aim, reached, short):
+        return "" if aim is None else f"{aim:g}x: " + (reached if self.ratio >= aim else short)
 
     def row(self):
         return (self.work, amount(self.work, self.ours), self.peer, amount(self.work, self.theirs),
@@ -150,15 +151,16 @@ def main():
             sections.append(f"## {program}, {title}, {round_count(works)} rounds\n\n" + table(head, [c.row() for c in found]) + "\n")
     for platform, works in growth.items():
         sections.append(growth_section(platform, works))
-    unmet = set(targets) - {(c.platform, c.work, c.peer) for c in plotted}
-    for target in sorted(unmet):
+    unmeasured = set(targets) - {(c.platform, c.work, c.peer) for c in plotted}
+    for target in sorted(unmeasured):
         print(f"bench_report.py: not measured: {target}", file=sys.stderr)
     bench_plots.write(docs, plotted, {p: list(growth_rows(w)) for p, w in growth.items()})
     text = ("# Benchmarks\n\nWritten by `scripts/bench.sh`; do not edit. Ours and its peers run one after the other in one "
             "process, pinned to one core,\nin each of several rounds, ours mostly first; times are medians, the ratio "
             "is the peer's value over ours in the same\nround (above 1: ours is faster or smaller), its median and its least "
-            "and greatest value. Files of INI, `ReplaceInLines` and tree "
-            "rows lie in memory unless the row says otherwise.\n\n"
+            "and greatest value. \"must\" is the least ratio that "
+            "will do, \"moonshot\" one aimed at beyond it. Files of INI,\n`ReplaceInLines` and tree rows lie in memory unless the row "
+            "says otherwise.\n\n"
             f"Machine: {model}; on top of commit {commit}. Absolute times hold for this machine alone.\n\n"
             "![The peer's time over ours, for each row that has a target](benchmarks.svg)\n\n"
             "![Time per byte at three sizes](growth.svg)\n\n" + "".join(sections) + sizes(folder))
@@ -166,7 +168,7 @@ def main():
     if notes.exists():
         text += notes.read_text()
     (docs / "benchmarks.md").write_text(text)
-    return 1 if unmet else 0
+    return 3 if unmeasured else 0
 
 
 sys.exit(main())

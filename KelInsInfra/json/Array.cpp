@@ -10,17 +10,6 @@
 
 namespace JSON {
 
-/// Elements in a pool, which follow this.
-struct Array::Pooled
-{
-    std::shared_ptr<Value>* Begin() { return reinterpret_cast<std::shared_ptr<Value>*>(this + 1); }
-
-    std::shared_ptr<Value>* End() { return Begin() + count; }
-
-    Chunk& chunk; ///< in which they lie
-    std::size_t count;
-};
-
 Array::~Array()
 {
     if (!shallow_)
@@ -55,15 +44,16 @@ void Array::Append(std::shared_ptr<Value> value)
 
 void Array::Append(std::span<std::shared_ptr<Value>> values)
 {
-    auto& vector = Vector();
-    vector.insert(vector.end(), std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
+    Vector();
+    vector_.insert(vector_.end(), std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
     DropPooled();
     shallow_ = false;
 }
 
 void Array::Complete(Pool& pool, std::span<std::shared_ptr<Value>> values, bool shallow)
 {
-    if (!Elements().empty()) {
+    static_assert(alignof(Pooled) <= alignof(void*) && sizeof(Pooled) % alignof(void*) == 0);
+    if (!vector_.empty()) {
         Append(values);
     } else if (!values.empty()) {
         const std::size_t bytes = sizeof(Pooled) + values.size_bytes();
@@ -74,16 +64,10 @@ void Array::Complete(Pool& pool, std::span<std::shared_ptr<Value>> values, bool 
     shallow_ = shallow;
 }
 
-std::span<const std::shared_ptr<Value>> Array::Elements() const
-{
-    using Span = std::span<const std::shared_ptr<Value>>;
-    return pooled_ != nullptr ? Span(pooled_->Begin(), pooled_->End()) : Span(vector_);
-}
-
-std::vector<std::shared_ptr<Value>>& Array::Vector() const
+const std::vector<std::shared_ptr<Value>>& Array::Vector() const
 {
     if (pooled_ != nullptr)
-        MakeOnce(vector_, inVector_, [this] { return std::vector(pooled_->Begin(), pooled_->End()); });
+        MakeOnce(vector_, copied_, [this] { return std::vector(pooled_->Begin(), pooled_->End()); });
     return vector_;
 }
 

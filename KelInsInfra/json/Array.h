@@ -6,6 +6,7 @@
 
 namespace JSON {
 
+class Chunk;
 class Pool;
 enum class Made : std::uint8_t;
 
@@ -27,16 +28,21 @@ public:
     void Append(std::shared_ptr<Value> value);
     void Append(std::span<std::shared_ptr<Value>> values);
 
-    /// Appends the values of an array that gets no more of them for now, which then take their exact room in the pool.
+    /// Appends the last values of an array that is being built. If they are all of its values, they take their exact
+    /// room in the pool.
     /// @param shallow  whether the elements may be destroyed by recursion.
     void Complete(Pool& pool, std::span<std::shared_ptr<Value>> values, bool shallow);
 
     /// The elements, wherever they lie.
-    std::span<const std::shared_ptr<Value>> Elements() const;
+    std::span<const std::shared_ptr<Value>> Elements() const
+    {
+        using Span = std::span<const std::shared_ptr<Value>>;
+        return pooled_ != nullptr ? Span(pooled_->Begin(), pooled_->End()) : Span(vector_);
+    }
 
     /// The elements as a vector. Made when it is first asked for, on whatever thread, as most arrays are only written
     /// or asked for single elements; it stays the same vector from then on.
-    std::vector<std::shared_ptr<Value>>& Vector() const;
+    const std::vector<std::shared_ptr<Value>>& Vector() const;
 
     /// For taking a document apart: the last child's place, null where none is left.
     std::shared_ptr<Value>* LastChild() noexcept;
@@ -44,13 +50,22 @@ public:
     /// @endcond
 
 private:
-    struct Pooled;
+    /// Elements in a pool, which follow this.
+    struct Pooled
+    {
+        std::shared_ptr<Value>* Begin() { return reinterpret_cast<std::shared_ptr<Value>*>(this + 1); }
+
+        std::shared_ptr<Value>* End() { return Begin() + count; }
+
+        Chunk& chunk; ///< in which they lie
+        std::size_t count;
+    };
 
     void DropPooled() noexcept;
 
     bool shallow_ = false;
-    mutable std::atomic<Made> inVector_{}; ///< whether the vector has the elements
-    Pooled* pooled_ = nullptr;             ///< the elements, unless they are in the vector alone
+    mutable std::atomic<Made> copied_{}; ///< whether the vector has copies of the elements in the pool
+    Pooled* pooled_ = nullptr;           ///< the elements, unless they are in the vector alone
     mutable std::vector<std::shared_ptr<Value>> vector_;
 };
 

@@ -18,8 +18,7 @@ private:
     /// A container that is being written.
     struct Frame
     {
-        const Object* object;                             ///< null for an array
-        std::span<const std::shared_ptr<Value>> elements; ///< of an array
+        const Value& container;
         std::size_t size;
         std::size_t next = 0;
     };
@@ -47,7 +46,7 @@ void Writer::Run(const Value& value)
             continue;
         }
         const bool empty = frame.size == 0;
-        const bool object = frame.object != nullptr;
+        const bool object = frame.container.IsObject();
         frames_.pop_back();
         Close(empty, object);
     }
@@ -55,14 +54,9 @@ void Writer::Run(const Value& value)
 
 void Writer::Put(const Value& value)
 {
-    if (value.IsArray()) {
-        out_.Put('[');
-        const auto elements = static_cast<const Array&>(value).Elements();
-        frames_.push_back({nullptr, elements, elements.size()});
-    } else if (value.IsObject()) {
-        out_.Put('{');
-        const auto& object = static_cast<const Object&>(value);
-        frames_.push_back({&object, {}, object.GetSize()});
+    if (value.IsArray() || value.IsObject()) {
+        out_.Put(value.IsArray() ? '[' : '{');
+        frames_.push_back({value, value.GetSize()});
     } else {
         PutItem(static_cast<const Item&>(value));
     }
@@ -124,9 +118,9 @@ const Value& Writer::NextChild(Frame& frame)
         out_.Put(',');
     if (!compact)
         BreakLine();
-    if (frame.object == nullptr)
-        return *frame.elements[place];
-    const POSITION member = frame.object->At(place);
+    if (frame.container.IsArray())
+        return *static_cast<const Array&>(frame.container).Elements()[place];
+    const POSITION member = static_cast<const Object&>(frame.container).At(place);
     PutString(member->first);
     out_.Put(": ");
     return *member->second;

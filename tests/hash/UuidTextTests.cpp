@@ -1,11 +1,9 @@
 #include <KelInsInfra/hash/KelInsUUID.h>
 #include <KelInsInfra/hash/internal/UuidText.h>
-#include <barrier>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <set>
-#include <thread>
-#include <vector>
+#include <tests/support/OnThreads.h>
 
 namespace {
 
@@ -88,22 +86,15 @@ TEST(UuidValues, AreWhatTheStandardDistributionDraws)
 TEST(UuidGeneratorIsolated, FirstUseByManyThreadsMakesOne)
 {
     constexpr int kThreads = 64;
-    std::barrier start(kThreads);
     std::mutex mutex;
     std::set<const std::mt19937*> generators;
     std::set<std::string> uuids;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i) {
-        threads.emplace_back([&] {
-            start.arrive_and_wait();
-            const std::mt19937* generator = &KelInsUUID::Generator();
-            const std::lock_guard<std::mutex> lock(mutex);
-            generators.insert(generator);
-            uuids.insert(KelInsUUID::GetUUID(false));
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    OnThreads(kThreads, [&](int) {
+        const std::mt19937* generator = &KelInsUUID::Generator();
+        const std::lock_guard<std::mutex> lock(mutex);
+        generators.insert(generator);
+        uuids.insert(KelInsUUID::GetUUID(false));
+    });
     EXPECT_EQ(generators.size(), 1U);
     EXPECT_EQ(uuids.size(), std::size_t{kThreads});
 }

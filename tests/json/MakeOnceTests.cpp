@@ -2,11 +2,10 @@
 #include <atomic>
 #include <chrono>
 #include <gtest/gtest.h>
-#include <latch>
 #include <stdexcept>
 #include <string>
+#include <tests/support/OnThreads.h>
 #include <thread>
-#include <utility>
 
 namespace {
 
@@ -34,7 +33,18 @@ TEST(JsonMakeOnce, TriesAgainAfterAFailure)
     EXPECT_EQ(thing, "second");
 }
 
-/// Stays a while on its way to its place.
+TEST(JsonMakeOnce, WhoMakesItTooLateTakesTheOther)
+{
+    std::string thing;
+    std::atomic<Made> made{};
+    MakeOnce(thing, made, [&] {
+        MakeOnce(thing, made, [] { return std::string("inner"); });
+        return std::string("outer");
+    });
+    EXPECT_EQ(thing, "inner");
+}
+
+/// Stays on its way to its place until it may go on.
 struct Slow
 {
     Slow() = default;
@@ -43,46 +53,42 @@ struct Slow
 
     Slow(Slow&&) = default;
 
-    Slow& operator=(Slow&& other)
+    Slow& operator=(Slow&& other) noexcept
     {
-        if (onTheWay != nullptr) {
-            std::exchange(onTheWay, nullptr)->count_down();
-            arrive->wait();
-        }
+        onTheWay = true;
+        WaitUntil([] { return mayGoOn.load(); });
         value = other.value;
         return *this;
     }
 
     int value = 0;
-    static inline std::latch* onTheWay = nullptr; ///< of the first that is moved
-    static inline std::latch* arrive = nullptr;
+    static inline std::atomic<bool> onTheWay = false;
+    static inline std::atomic<bool> mayGoOn = false;
 };
 
-TEST(JsonMakeOnce, WhoComesLateWaitsUntilItIsThere)
+TEST(JsonMakeOnce, WhoComesWhileItIsOnItsWayWaits)
 {
-    std::latch onTheWay(1);
-    std::latch arrive(1);
-    Slow::onTheWay = &onTheWay;
-    Slow::arrive = &arrive;
+    Slow::onTheWay = false;
+    Slow::mayGoOn = false;
     Slow thing;
     std::atomic<Made> made{};
     std::thread first([&] { MakeOnce(thing, made, [] { return Slow(1); }); });
-    onTheWay.wait();
+    WaitUntil([] { return Slow::onTheWay.load(); });
 
-    std::latch madeToo(1);
+    std::atomic<bool> madeToo = false;
     std::atomic<bool> returned = false;
     std::thread second([&] {
         MakeOnce(thing, made, [&] {
-            madeToo.count_down();
+            madeToo = true;
             return Slow(2);
         });
         returned = true;
         EXPECT_EQ(thing.value, 1);
     });
-    madeToo.wait();
+    WaitUntil([&] { return madeToo.load(); });
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     EXPECT_FALSE(returned);
-    arrive.count_down();
+    Slow::mayGoOn = true;
     first.join();
     second.join();
     EXPECT_EQ(thing.value, 1);

@@ -205,8 +205,13 @@ TEST(JsonMemory, FirstQuestionForTheElements)
     Driver driver;
     ASSERT_TRUE(driver.Parse("[1,[2],3]"));
     const std::vector<std::shared_ptr<JSON::Value>>* elements = nullptr;
+    int failures = -1;
     WithEveryFailure([&] { elements = &driver.GetValue()->GetArrayValues(); },
-                     [&] { EXPECT_EQ(driver.GetJSON(), "[1, [2], 3]"); });
+                     [&] {
+                         EXPECT_EQ(driver.GetJSON(), "[1, [2], 3]");
+                         ++failures;
+                     });
+    EXPECT_EQ(failures, 1); // the vector is made now, and in one block
     EXPECT_EQ(elements->size(), 3U);
     EXPECT_EQ(elements, &driver.GetValue()->GetArrayValues());
 }
@@ -226,6 +231,7 @@ TEST(JsonMemory, AddingToAParsedArrayEitherWorksOrChangesNothing)
             WithEveryFailure([&] { added = driver.AddToArray(value); },
                              [&] { EXPECT_TRUE(added || driver.GetJSON() == before); });
             EXPECT_EQ(driver.GetValue()->GetArrayValues().back(), value);
+            EXPECT_EQ(driver.GetJSON(), text == "[]" ? "[null]" : before.substr(0, before.size() - 1) + ", null]");
         }
     }
 }

@@ -2,7 +2,6 @@
 #include <fuzz/JsonModel.h>
 #include <gtest/gtest.h>
 #include <iostream>
-#include <latch>
 #include <locale>
 #include <sstream>
 #include <streambuf>
@@ -11,6 +10,7 @@
 #include <tests/json/EchoCapture.h>
 #include <tests/json/SmallStack.h>
 #include <tests/support/ExpectThrowsText.h>
+#include <tests/support/OnThreads.h>
 #include <thread>
 #include <utility>
 
@@ -172,19 +172,17 @@ TEST(JsonRelease, OnSeveralThreads)
 
 TEST(JsonPositions, FirstAskedForByManyThreads)
 {
+    const std::string text = R"({"a": 1, "b": {"c": 2}, "d": 3})";
     Driver driver;
-    ASSERT_TRUE(driver.Parse(R"({"a":1,"b":{"c":2},"d":3})"));
+    ASSERT_TRUE(driver.Parse(text));
     const Pointer root = driver.GetValue();
     std::vector<const std::vector<JSON::POSITION>*> seen(16);
-    std::latch start(16);
-    std::vector<std::thread> threads;
-    for (auto& positions : seen)
-        threads.emplace_back([&] {
-            start.arrive_and_wait();
-            positions = &root->GetObjectValues();
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    OnThreads(16, [&](int i) {
+        EXPECT_EQ(root->GetObjectValue("b")->GetObjectValue("c")->GetInteger(), 2);
+        seen[static_cast<std::size_t>(i)] = &root->GetObjectValues();
+        EXPECT_EQ(root->GetJSON(), text);
+        EXPECT_EQ(root->Clone()->GetJSON(), text);
+    });
     for (const auto* positions : seen)
         EXPECT_EQ(positions, seen.front());
     ASSERT_EQ(seen.front()->size(), 3U);
@@ -193,21 +191,17 @@ TEST(JsonPositions, FirstAskedForByManyThreads)
 
 TEST(JsonElements, FirstAskedForByManyThreads)
 {
+    const std::string text = "[1, [2], 3]";
     Driver driver;
-    ASSERT_TRUE(driver.Parse("[1,[2],3]"));
+    ASSERT_TRUE(driver.Parse(text));
     const Pointer root = driver.GetValue();
     std::vector<const std::vector<Pointer>*> seen(16);
-    std::latch start(16);
-    std::vector<std::thread> threads;
-    for (auto& elements : seen)
-        threads.emplace_back([&] {
-            start.arrive_and_wait();
-            EXPECT_EQ(root->GetArrayValue(1)->GetArrayValue(0)->GetInteger(), 2);
-            elements = &root->GetArrayValues();
-            EXPECT_EQ(root->GetJSON(), "[1, [2], 3]");
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    OnThreads(16, [&](int i) {
+        EXPECT_EQ(root->GetArrayValue(1)->GetArrayValue(0)->GetInteger(), 2);
+        seen[static_cast<std::size_t>(i)] = &root->GetArrayValues();
+        EXPECT_EQ(root->GetJSON(), text);
+        EXPECT_EQ(root->Clone()->GetJSON(), text);
+    });
     for (const auto* elements : seen)
         EXPECT_EQ(elements, seen.front());
     ASSERT_EQ(seen.front()->size(), 3U);
@@ -232,6 +226,8 @@ TEST(JsonElements, StayInTheirVectorWhileOthersAreAdded)
         EXPECT_EQ(root->GetSize(), elements.size());
         EXPECT_TRUE(std::equal(before.begin(), before.end(), elements.begin()));
         EXPECT_EQ(root->GetArrayValue(static_cast<std::int32_t>(before.size()) + 9)->GetInteger(), 9);
+        EXPECT_EQ(root->Clone()->GetJSON(), root->GetJSON());
+        EXPECT_TRUE(root->GetJSON().ends_with("7, 8, 9]"));
     }
 }
 
@@ -282,10 +278,13 @@ TEST(JsonRelease, DeepPartsAddedToAParsedDocument)
 {
     OnSmallStack([] {
         Driver driver;
-        ASSERT_TRUE(driver.Parse(R"({"a":[[[]]],"b":{"c":{}}})"));
+        ASSERT_TRUE(driver.Parse(R"({"a":[[[]]],"b":{"c":{}},"d":[[1,2]],"e":[[3]]})"));
         const Pointer root = driver.GetValue();
-        for (const Pointer& part : {root->GetObjectValue("a")->GetArrayValue(0)->GetArrayValue(0),
-                                    root->GetObjectValue("b")->GetObjectValue("c")}) {
+        ASSERT_EQ(root->GetObjectValue("e")->GetArrayValue(0)->GetArrayValues().size(), 1U);
+        for (const Pointer& part :
+             {root->GetObjectValue("a")->GetArrayValue(0)->GetArrayValue(0),
+              root->GetObjectValue("b")->GetObjectValue("c"), root->GetObjectValue("d")->GetArrayValue(0),
+              root->GetObjectValue("e")->GetArrayValue(0)}) {
             ASSERT_TRUE(driver.UseValue(part));
             for (int i = 0; i < 50000; ++i) {
                 driver.SetNextObjectKey("k");

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
+#include <thread>
+#include <type_traits>
 #include <utility>
 
 namespace JSON {
@@ -20,17 +23,20 @@ enum class Made : std::uint8_t
 template <typename T, typename Make>
 void MakeOnce(T& thing, std::atomic<Made>& made, Make make)
 {
+    static_assert(std::is_nothrow_swappable_v<T>);
     if (made.load(std::memory_order_acquire) == Made::Yes)
         return;
     T fresh = make();
     Made before = Made::No;
-    if (made.compare_exchange_strong(before, Made::Now, std::memory_order_acquire)) {
+    if (made.compare_exchange_strong(before, Made::Now, std::memory_order_relaxed)) {
         std::swap(thing, fresh);
         made.store(Made::Yes, std::memory_order_release);
-        made.notify_all();
-    } else {
-        made.wait(Made::Now, std::memory_order_acquire);
+        return;
     }
+    // The other thread is between the two lines above. Sleeping lets it go on even if it is of a lower priority;
+    // waiting on the atomic does not always wake up again with the Windows toolchain.
+    while (made.load(std::memory_order_acquire) != Made::Yes)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 } // namespace JSON
