@@ -61,7 +61,7 @@ std::size_t Values(const JSON::Value& value)
 std::size_t Values(const nlohmann::json& value)
 {
     std::size_t count = 1;
-    for (const nlohmann::json& part : value) // a scalar has itself as its only part
+    for (const nlohmann::json& part : value) // a scalar but null has itself as its only part
         count += value.is_structured() ? Values(part) : 0;
     return count;
 }

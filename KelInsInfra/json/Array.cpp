@@ -14,6 +14,7 @@ Array::~Array()
 {
     if (!shallow_)
         DestroyChildren(*this);
+    DropVector();
     DropPooled();
 }
 
@@ -45,7 +46,8 @@ void Array::Append(std::shared_ptr<Value> value)
 void Array::Append(std::span<std::shared_ptr<Value>> values)
 {
     Vector();
-    vector_.insert(vector_.end(), std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
+    auto& vector = *vector_.load(std::memory_order_relaxed);
+    vector.insert(vector.end(), std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
     DropPooled();
     shallow_ = false;
 }
@@ -53,7 +55,7 @@ void Array::Append(std::span<std::shared_ptr<Value>> values)
 void Array::Complete(Pool& pool, std::span<std::shared_ptr<Value>> values, bool shallow)
 {
     static_assert(alignof(Pooled) <= alignof(void*) && sizeof(Pooled) % alignof(void*) == 0);
-    if (!vector_.empty()) {
+    if (!Elements().empty()) {
         Append(values);
     } else if (!values.empty()) {
         const std::size_t bytes = sizeof(Pooled) + values.size_bytes();
@@ -66,25 +68,28 @@ void Array::Complete(Pool& pool, std::span<std::shared_ptr<Value>> values, bool 
 
 const std::vector<std::shared_ptr<Value>>& Array::Vector() const
 {
-    if (pooled_ != nullptr)
-        MakeOnce(vector_, copied_, [this] { return std::vector(pooled_->Begin(), pooled_->End()); });
-    return vector_;
+    return MakeOnce(vector_, [this] {
+        const auto elements = Elements();
+        return std::vector(elements.begin(), elements.end());
+    });
 }
 
 std::shared_ptr<Value>* Array::LastChild() noexcept
 {
-    if (pooled_ == nullptr)
-        return vector_.empty() ? nullptr : &vector_.back();
-    vector_.clear(); // only second owners
-    return pooled_->count > 0 ? pooled_->End() - 1 : nullptr;
+    if (pooled_ != nullptr) {
+        DropVector(); // other owners of the same values, so none is destroyed
+        return pooled_->count > 0 ? pooled_->End() - 1 : nullptr;
+    }
+    auto* const vector = vector_.load(std::memory_order_relaxed);
+    return vector != nullptr && !vector->empty() ? &vector->back() : nullptr;
 }
 
 void Array::DropLastChild() noexcept
 {
-    if (pooled_ == nullptr)
-        vector_.pop_back();
-    else
+    if (pooled_ != nullptr)
         std::destroy_at(pooled_->Begin() + --pooled_->count);
+    else
+        vector_.load(std::memory_order_relaxed)->pop_back();
 }
 
 void Array::DropPooled() noexcept
@@ -93,6 +98,12 @@ void Array::DropPooled() noexcept
         std::destroy(pooled->Begin(), pooled->End());
         pooled->chunk.Release(1);
     }
+}
+
+void Array::DropVector() noexcept
+{
+    delete vector_.load(std::memory_order_relaxed);
+    vector_.store(nullptr, std::memory_order_relaxed);
 }
 
 } // namespace JSON

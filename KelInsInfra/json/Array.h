@@ -8,7 +8,6 @@ namespace JSON {
 
 class Chunk;
 class Pool;
-enum class Made : std::uint8_t;
 
 /// Values in order. Filled through JSON::Driver.
 class Array : public Value
@@ -37,14 +36,17 @@ public:
     std::span<const std::shared_ptr<Value>> Elements() const
     {
         using Span = std::span<const std::shared_ptr<Value>>;
-        return pooled_ != nullptr ? Span(pooled_->Begin(), pooled_->End()) : Span(vector_);
+        if (pooled_ != nullptr)
+            return Span(pooled_->Begin(), pooled_->End());
+        const auto* const vector = vector_.load(std::memory_order_acquire);
+        return vector != nullptr ? Span(*vector) : Span();
     }
 
-    /// The elements as a vector. Made when it is first asked for, on whatever thread, as most arrays are only written
+    /// The elements as a vector. Made when it is first asked for, on whatever thread, as many arrays are only written
     /// or asked for single elements; it stays the same vector from then on.
     const std::vector<std::shared_ptr<Value>>& Vector() const;
 
-    /// For taking a document apart: the last child's place, null where none is left.
+    /// For taking a document apart: the last child's place, null where none is left. Comes before any is dropped.
     std::shared_ptr<Value>* LastChild() noexcept;
     void DropLastChild() noexcept;
     /// @endcond
@@ -62,11 +64,11 @@ private:
     };
 
     void DropPooled() noexcept;
+    void DropVector() noexcept;
 
     bool shallow_ = false;
-    mutable std::atomic<Made> copied_{}; ///< whether the vector has copies of the elements in the pool
-    Pooled* pooled_ = nullptr;           ///< the elements, unless they are in the vector alone
-    mutable std::vector<std::shared_ptr<Value>> vector_;
+    Pooled* pooled_ = nullptr; ///< the elements, unless the vector alone has them
+    mutable std::atomic<std::vector<std::shared_ptr<Value>>*> vector_ = nullptr; ///< owned; copies of those in the pool
 };
 
 } // namespace JSON

@@ -34,6 +34,7 @@ Object::~Object()
         DestroyChildren(*this);
     }
     MemberBlock::ReleaseAll(blocks_);
+    delete order_.load(std::memory_order_relaxed);
 }
 
 std::shared_ptr<Value> Object::Clone() const
@@ -56,44 +57,38 @@ void Object::WriteIndented(std::ostream& out, std::int32_t level) const
     WriteTree(*this, Form::Indented, level, out);
 }
 
-POSITION Object::At(std::size_t place) const
-{
-    return ordered_.load(std::memory_order_acquire) == Made::Yes ? order_[place] : first_ + place;
-}
-
 const std::vector<POSITION>& Object::Order() const
 {
-    MakeOnce(order_, ordered_, [this] {
+    return MakeOnce(order_, [this] {
         std::vector<POSITION> order(size_);
         std::iota(order.begin(), order.end(), first_);
         return order;
     });
-    return order_;
 }
 
 void Object::Insert(std::string key, std::shared_ptr<Value> value)
 {
     UnescapeInPlace(key);
-    Order();
+    auto& order = const_cast<std::vector<POSITION>&>(Order());
     // Room first, so that a member is either inserted, or memory runs out before anything happens.
-    if (size_ == order_.capacity())
-        order_.reserve(std::max<std::size_t>(4, 2 * size_));
+    if (size_ == order.capacity())
+        order.reserve(std::max<std::size_t>(4, 2 * size_));
     if (size_ >= kSearchedThrough)
         MakeRoomInIndex();
     if (const POSITION position = Find(key)) {
-        order_.erase(std::find(order_.rbegin(), order_.rend(), position).base() - 1);
-        order_.push_back(position);
+        order.erase(std::find(order.rbegin(), order.rend(), position).base() - 1);
+        order.push_back(position);
         const_cast<Member*>(position)->second = std::move(value);
         shallow_ = false;
         return;
     }
     Pool pool;
     blocks_ = MemberBlock::Create(pool, 1, blocks_);
-    order_.push_back(new (blocks_->Begin()) Member(std::move(key), std::move(value)));
+    order.push_back(new (blocks_->Begin()) Member(std::move(key), std::move(value)));
     ++size_;
     shallow_ = false;
     if (index_)
-        index_->Add(order_.back());
+        index_->Add(order.back());
 }
 
 void Object::MakeRoomInIndex()

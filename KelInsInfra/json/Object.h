@@ -9,7 +9,6 @@ namespace JSON {
 
 class KeyIndex;
 class KeyStack;
-enum class Made : std::uint8_t;
 class Pool;
 struct MemberBlock;
 
@@ -42,7 +41,11 @@ public:
     POSITION Find(std::string_view key) const;
 
     /// The member at a place below GetSize.
-    POSITION At(std::size_t place) const;
+    POSITION At(std::size_t place) const
+    {
+        const std::vector<POSITION>* const order = order_.load(std::memory_order_acquire);
+        return order != nullptr ? (*order)[place] : first_ + place;
+    }
 
     /// All of them. Made when it is first asked for, on whatever thread, as most objects are only written or looked
     /// into; it stays the same vector from then on.
@@ -57,11 +60,10 @@ private:
     void MakeRoomInIndex();
 
     bool shallow_ = false;
-    mutable std::atomic<Made> ordered_{}; ///< whether the order has the members
     std::size_t size_ = 0;
     POSITION first_ = nullptr; ///< all members lie one after the other from here, as long as there is no order
-    mutable std::vector<POSITION> order_;
-    MemberBlock* blocks_ = nullptr;   ///< the last one
+    mutable std::atomic<std::vector<POSITION>*> order_ = nullptr; ///< owned
+    MemberBlock* blocks_ = nullptr;                               ///< the last one
     std::unique_ptr<KeyIndex> index_; ///< only in objects of many members; the others are searched through
 };
 

@@ -125,6 +125,26 @@ TEST(JsonMemory, ParseFailsCleanlyAtEveryAllocation)
     EXPECT_LE(blocks, before + 2); // the driver's own memory for its stack and key
 }
 
+/// Long arrays have memory of their own, and from 1024 elements on they grow.
+TEST(JsonMemory, ParseOfALongArrayFailsCleanlyAtEveryAllocation)
+{
+    for (const int count : {600, 1023, 1024, 1500, 3000}) {
+        std::string text = "[0";
+        for (int i = 1; i < count; ++i)
+            text += ", " + std::to_string(i);
+        text += "]";
+        const long before = blocks;
+        {
+            Driver driver;
+            bool parsed = false;
+            WithEveryFailure([&] { parsed = driver.Parse(text); },
+                             [&] { EXPECT_EQ(driver.GetValue() != nullptr, parsed); });
+            EXPECT_TRUE(driver.GetJSON() == text) << count;
+        }
+        EXPECT_EQ(blocks, before) << count;
+    }
+}
+
 TEST(JsonMemory, FailingParseLeavesNothingOfTheFormerDocument)
 {
     const std::string text = "[2]";
@@ -211,7 +231,7 @@ TEST(JsonMemory, FirstQuestionForTheElements)
                          EXPECT_EQ(driver.GetJSON(), "[1, [2], 3]");
                          ++failures;
                      });
-    EXPECT_EQ(failures, 1); // the vector is made now, and in one block
+    EXPECT_EQ(failures, 2); // the vector is made now: itself and its block
     EXPECT_EQ(elements->size(), 3U);
     EXPECT_EQ(elements, &driver.GetValue()->GetArrayValues());
 }

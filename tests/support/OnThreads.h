@@ -4,15 +4,8 @@
 #include <thread>
 #include <vector>
 
-/// Waits in a loop: who waits in std::latch, std::barrier or std::atomic of the Windows toolchain can miss being woken.
-template <typename Condition>
-void WaitUntil(const Condition& condition)
-{
-    while (!condition())
-        std::this_thread::yield();
-}
-
-/// Runs work(0) to work(count - 1), each on a thread of its own, all from the same moment on.
+/// Runs work(0) to work(count - 1), each on a thread of its own, all from the same moment on. They wait in a loop: who
+/// waits in std::latch, std::barrier or std::atomic of the Windows toolchain can miss being woken.
 template <typename Work>
 void OnThreads(int count, const Work& work)
 {
@@ -21,7 +14,8 @@ void OnThreads(int count, const Work& work)
     for (int i = 0; i < count; ++i)
         threads.emplace_back([&, i] {
             --missing;
-            WaitUntil([&] { return missing == 0; });
+            while (missing > 0)
+                std::this_thread::yield();
             work(i);
         });
     for (std::thread& thread : threads)
