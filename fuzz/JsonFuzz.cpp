@@ -51,7 +51,8 @@ bool Same(const JSON::Value& value, const JsonModel::Node& node)
         const auto& [key, child] = node.children[i];
         const auto element =
             node.kind == '[' ? value.GetArrayValue(static_cast<std::int32_t>(i)) : value.GetObjectValue(key);
-        if (node.kind == '[' && node.children.size() % 2 == 0 && value.GetArrayValues()[i] != element)
+        const bool asked = node.children.size() % 2 == 0; // the others are written and cloned without a vector
+        if (node.kind == '[' && asked && value.GetArrayValues()[i] != element)
             return false;
         if (!element || (node.kind == '{' && value.GetObjectValues()[i]->first != key) || !Same(*element, *child))
             return false;

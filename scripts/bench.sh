@@ -55,7 +55,7 @@ for preset in native mingw; do
         run=("$program")
         [ "$preset" = native ] || run=("$root/scripts/wine.sh" "$program")
         case $quick$name in
-            growth*) rounds=7 ;;              # large inputs
+            growth*) rounds=7 ;;                      # large inputs
             hash* | registry* | system*) rounds=15 ;; # small differences, or noisy calls
             *) rounds=9 ;;
         esac

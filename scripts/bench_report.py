@@ -5,8 +5,9 @@ scripts/bench.sh.
 The results of a program's rounds are in "<platform>.<program>_benchmarks.<round>.json". A benchmark's name is
 "<work>/<contestant>". In each round the contestants of a work ran one after the other, so the ratio of a peer's time to
 ours is taken round by round; its median and its spread are shown. In growth_benchmarks the second part of the name is a
-size in megabytes instead, and the ratio is that of two sizes. Exits with 3 when
-something that has a target was not measured.
+size in megabytes instead, and the ratio is that of two sizes.
+
+Exits with 3 when something that the targets name was not measured.
 """
 
 import json

@@ -45,8 +45,7 @@ void Array::Append(std::shared_ptr<Value> value)
 
 void Array::Append(std::span<std::shared_ptr<Value>> values)
 {
-    Vector();
-    auto& vector = *vector_.load(std::memory_order_relaxed);
+    auto& vector = const_cast<std::vector<std::shared_ptr<Value>>&>(Vector());
     vector.insert(vector.end(), std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
     DropPooled();
     shallow_ = false;
@@ -55,7 +54,7 @@ void Array::Append(std::span<std::shared_ptr<Value>> values)
 void Array::Complete(Pool& pool, std::span<std::shared_ptr<Value>> values, bool shallow)
 {
     static_assert(alignof(Pooled) <= alignof(void*) && sizeof(Pooled) % alignof(void*) == 0);
-    if (!Elements().empty()) {
+    if (vector_.load(std::memory_order_relaxed) != nullptr) {
         Append(values);
     } else if (!values.empty()) {
         const std::size_t bytes = sizeof(Pooled) + values.size_bytes();

@@ -37,7 +37,7 @@ public:
     {
         using Span = std::span<const std::shared_ptr<Value>>;
         if (pooled_ != nullptr)
-            return Span(pooled_->Begin(), pooled_->End());
+            return Span(pooled_->Begin(), pooled_->count);
         const auto* const vector = vector_.load(std::memory_order_acquire);
         return vector != nullptr ? Span(*vector) : Span();
     }
@@ -46,7 +46,8 @@ public:
     /// or asked for single elements; it stays the same vector from then on.
     const std::vector<std::shared_ptr<Value>>& Vector() const;
 
-    /// For taking a document apart: the last child's place, null where none is left. Comes before any is dropped.
+    /// For taking a document apart: the last child's place, null where none is left. Called before DropLastChild,
+    /// as it takes the vector's copies away.
     std::shared_ptr<Value>* LastChild() noexcept;
     void DropLastChild() noexcept;
     /// @endcond
@@ -68,7 +69,8 @@ private:
 
     bool shallow_ = false;
     Pooled* pooled_ = nullptr; ///< the elements, unless the vector alone has them
-    mutable std::atomic<std::vector<std::shared_ptr<Value>>*> vector_ = nullptr; ///< owned; copies of those in the pool
+    mutable std::atomic<std::vector<std::shared_ptr<Value>>*> vector_ =
+        nullptr; ///< owned; has copies of those in the pool
 };
 
 } // namespace JSON
