@@ -97,8 +97,8 @@ public:
     /// The element at an index from 0; empty where there is none, and for any type but Array. Never throws.
     KELINS_API std::shared_ptr<Value> GetArrayValue(std::int32_t index) const;
 
-    /// The elements in order. The vector is made by the first call, as a second owner of the elements; it stays the same
-    /// one, and what is added to the array later shows in it.
+    /// The elements in order. The vector is made by the first call, as a second owner of the elements; it stays the
+    /// same one, and what is added to the array later shows in it.
     /// @throws std::runtime_error  "JSON::Value::GetArrayValues - Value is not an Array. Actual type: <type>"
     /// @throws std::bad_alloc      when memory runs out for the vector.
     KELINS_API const std::vector<std::shared_ptr<Value>>& GetArrayValues() const;

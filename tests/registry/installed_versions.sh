@@ -21,15 +21,27 @@ package() { # NAME PRODUCT_CODE UPGRADE_CODE VERSION REPLACES_OLDER
         "$here/package/orchard.wxs"
 }
 
+run() { # PROGRAM ARGUMENT...: again where Wine could not start the program, as happens now and then on a busy machine
+    local status=0 attempt
+    for attempt in 1 2 3; do
+        status=0
+        "$root/scripts/wine.sh" "$@" </dev/null 2>"$work/errors" || status=$?
+        [ "$status" -ne 0 ] && grep -q 'could not be started' "$work/errors" || break
+        echo "attempt $attempt: Wine could not start $1" >&2
+    done
+    cat "$work/errors" >&2
+    return "$status"
+}
+
 msi() { # ARGUMENT...: msiexec, which must succeed
-    "$root/scripts/wine.sh" msiexec "$@" /qn </dev/null || { echo "msiexec $* failed: $?"; exit 1; }
+    run msiexec "$@" /qn || { echo "msiexec $* failed: $?"; exit 1; }
 }
 
 expect() { # TITLE UPGRADE_CODE LINE...
     local title=$1 upgrade_code=$2 actual expected
     shift 2
     expected=$(printf '%s\n' "$@")
-    actual=$("$root/scripts/wine.sh" "$build/bin/installed_versions_probe.exe" "$upgrade_code" </dev/null | tr -d '\r')
+    actual=$(run "$build/bin/installed_versions_probe.exe" "$upgrade_code" | tr -d '\r')
     if [ "$actual" = "$expected" ]; then
         echo "ok      $title"
     else
@@ -58,8 +70,8 @@ expect "letter case does not count" "${pair,,}" "1.0.0|||0" "2.5.17|||0" "found"
 
 # What the database keeps of the two is damaged: each entry names the place.
 installer='HKLM\Software\Microsoft\Windows\CurrentVersion\Installer'
-"$root/scripts/wine.sh" reg delete 'HKLM\Software\Classes\Installer\Products\1100000A00000000000000000000AAAA' /f >/dev/null
-"$root/scripts/wine.sh" reg delete \
+run reg delete 'HKLM\Software\Classes\Installer\Products\1100000A00000000000000000000AAAA' /f >/dev/null
+run reg delete \
     "$installer\\UserData\\S-1-5-18\\Products\\2100000A00000000000000000000AAAA\\InstallProperties" /f >/dev/null
 unknown_key='Unknown key HKEY_CLASSES_ROOT\Installer\Products\1100000A00000000000000000000AAAA'
 invalid_data='Invalid data in HKEY_LOCAL_MACHINE\SOFTWARE\Microsoft\Windows\CurrentVersion\Installer\UserData\S-1-5-18'
