@@ -54,9 +54,9 @@ for preset in native mingw; do
         echo "== $preset: $name"
         run=("$program")
         [ "$preset" = native ] || run=("$root/scripts/wine.sh" "$program")
-        case $quick$name in
-            growth*) rounds=7 ;;                      # large inputs
-            hash* | registry* | system*) rounds=15 ;; # small differences, or noisy calls
+        case $preset.$name in
+            *.growth*) rounds=7 ;;                               # large inputs
+            native.hash* | *.registry* | *.system*) rounds=15 ;; # small differences, or noisy calls
             *) rounds=9 ;;
         esac
         [ -z "$quick" ] || rounds=1
