@@ -159,9 +159,8 @@ def main():
     text = ("# Benchmarks\n\nWritten by `scripts/bench.sh`; do not edit. Ours and its peers run one after the other in one "
             "process, pinned to one core,\nin each of several rounds, ours mostly first; times are medians, the ratio "
             "is the peer's value over ours in the same\nround (above 1: ours is faster or smaller), its median and its least "
-            "and greatest value. \"must\" is the least ratio that "
-            "will do, \"moonshot\" one aimed at beyond it. Files of INI,\n`ReplaceInLines` and tree rows lie in memory unless the row "
-            "says otherwise.\n\n"
+            "and greatest value. Files of INI, `ReplaceInLines` and tree\nrows lie in memory unless the row says otherwise. "
+            "\"must\" is the least ratio that will do, \"moonshot\" one aimed at beyond it.\n\n"
             f"Machine: {model}; on top of commit {commit}. Absolute times hold for this machine alone.\n\n"
             "![The peer's time over ours, for each row that has a target](benchmarks.svg)\n\n"
             "![Time per byte at three sizes](growth.svg)\n\n" + "".join(sections) + sizes(folder))
