@@ -69,8 +69,8 @@ private:
 
     bool shallow_ = false;
     Pooled* pooled_ = nullptr; ///< the elements, unless the vector alone has them
-    mutable std::atomic<std::vector<std::shared_ptr<Value>>*> vector_ =
-        nullptr; ///< owned; has copies of those in the pool
+    /// Owned; has copies of those in the pool.
+    mutable std::atomic<std::vector<std::shared_ptr<Value>>*> vector_ = nullptr;
 };
 
 } // namespace JSON
